@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+#include <cstdint>
+
+namespace tarvo {
+
+// Every reading of time goes through this seam, so that tests can run hours of schedule in
+// milliseconds on a fake clock.
+class Clock {
+public:
+    virtual ~Clock() = default;
+
+    // Milliseconds since the system started, counting time spent suspended, truncated to 32 bits
+    // and read as a signed number: it wraps to negative after 24.8 days, as the classic tick count does.
+    // Input time stamps of the activity monitor share this time base.
+    virtual std::int32_t tickCount() const = 0;
+
+    // The local wall-clock time, for the status texts.
+    virtual QDateTime localNow() const = 0;
+};
+
+// A time of day as the status texts show it: two-digit hour and minute, "09:05".
+inline QString formatHhNn(const QDateTime& t) { return t.toString(QStringLiteral("HH:mm")); }
+
+} // namespace tarvo
