@@ -7,6 +7,7 @@
 #include <QSaveFile>
 #include <QSet>
 
+#include <algorithm>
 #include <optional>
 
 namespace tarvo {
@@ -106,7 +107,14 @@ int exportFile(const QString& path, const std::optional<QString>& keyPath, Regis
             err << "regedit: " << *keyPath << " is not a Tarvo Micropause key\n";
             return 1;
         }
-        if (!section->isEmpty() && !store.sections().contains(*section, Qt::CaseInsensitive)) {
+        // A key exists when it has values or keys below it, as "Scheme a" does for "Scheme a\b".
+        const QString folded = section->toCaseFolded();
+        const QStringList all = store.sections();
+        const bool exists = section->isEmpty() || std::any_of(all.begin(), all.end(), [&](const QString& s) {
+                                const QString f = s.toCaseFolded();
+                                return f == folded || f.startsWith(folded + QLatin1Char('\\'));
+                            });
+        if (!exists) {
             err << "regedit: the key " << *keyPath << " does not exist\n";
             return 1;
         }

@@ -41,7 +41,8 @@ private:
 
 // Simulated time for a set of manual timers and, optionally, a fake clock: advance() moves time forward
 // and fires every timer that falls due, in order of due time, moving the clock to each tick's moment
-// first. An hour of schedule runs in microseconds.
+// first. Timers due at the same moment fire in the order they were created. An hour of schedule runs
+// in microseconds.
 class ManualTimeline : public TimerFactory {
 public:
     explicit ManualTimeline(FakeClock* clock = nullptr)

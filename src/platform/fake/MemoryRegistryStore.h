@@ -19,7 +19,7 @@ public:
 
     std::optional<QString> value(const QString& section, const QString& key) override
     {
-        ++reads_;
+        reads_.push_back(section + QLatin1Char('/') + key);
         return model_.value(section, key);
     }
     QStringList sections() override { return model_.sections(); }
@@ -43,14 +43,16 @@ public:
     RegistryModel& model() { return model_; }
     const std::vector<Write>& writes() const { return writes_; }
     void clearWrites() { writes_.clear(); }
-    int reads() const { return reads_; }
+    // Every value read, as "section/key", in order.
+    const QStringList& reads() const { return reads_; }
+    void clearReads() { reads_.clear(); }
     int batchDepth() const { return batchDepth_; }
     int batchesCompleted() const { return batchesCompleted_; }
 
 private:
     RegistryModel model_;
     std::vector<Write> writes_;
-    int reads_ = 0;
+    QStringList reads_;
     int batchDepth_ = 0;
     int batchesCompleted_ = 0;
 };
