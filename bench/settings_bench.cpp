@@ -18,21 +18,18 @@ using Clock = std::chrono::steady_clock;
 
 namespace {
 
-double medianMs(std::vector<double> v)
-{
+double medianMs(std::vector<double> v) {
     std::sort(v.begin(), v.end());
     return v[v.size() / 2];
 }
 
-double msSince(Clock::time_point start)
-{
+double msSince(Clock::time_point start) {
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
 
 } // namespace
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     QTextStream out(stdout);
     QTemporaryDir dir;
@@ -47,7 +44,8 @@ int main(int argc, char** argv)
                 store.setValue(section, k + QLatin1Char('y'), QStringLiteral("1"));
                 store.setValue(section, k + QLatin1Char('s'), QStringLiteral("30"));
                 store.setValue(section, k, QStringLiteral("exercise%1.avi").arg(i));
-                store.setValue(section, k + QLatin1Char('d'), QStringLiteral("Roll your shoulders slowly backwards"));
+                store.setValue(section, k + QLatin1Char('d'),
+                               QStringLiteral("Roll your shoulders slowly backwards"));
             }
             store.setValue(section, QStringLiteral("Num"), QStringLiteral("20"));
             store.setValue(QStringLiteral("Schemes"), QString::number(s), QStringLiteral("*Bench %1").arg(s));
@@ -74,7 +72,8 @@ int main(int argc, char** argv)
         writes.push_back(msSince(start));
     }
     out << "store file: " << QFileInfo(path).size() / 1024 << " KiB, " << kRuns << " runs each\n";
-    out << "load all settings (fresh store, 40 schemes x 20 exercises): median " << medianMs(loads) << " ms\n";
+    out << "load all settings (fresh store, 40 schemes x 20 exercises): median " << medianMs(loads)
+        << " ms\n";
     out << "one write including flush to disk: median " << medianMs(writes) << " ms\n";
     return 0;
 }

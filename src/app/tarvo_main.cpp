@@ -20,8 +20,7 @@ const char* const kHelp = "Usage: tarvo [shutdown]\n"
 
 } // namespace
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--help") == 0) {
             QTextStream(stdout) << kHelp;
@@ -42,10 +41,10 @@ int main(int argc, char** argv)
         tarvo::SettingsRecord record;
         tarvo::loadAllSettings(settings, record);
         QTextStream(stdout) << "Tarvo Micropause " << tarvo::kVersionText << ": settings read from "
-                            << store.location() << "\n  a " << record.InterruptFor << "-second micropause every "
-                            << record.InterruptEvery << " minutes; an exercise break of " << record.NumAtaTime
-                            << " exercises from \"" << record.Scheme << "\" every " << record.EveryM
-                            << " minutes\n";
+                            << store.location() << "\n  a " << record.InterruptFor
+                            << "-second micropause every " << record.InterruptEvery
+                            << " minutes; an exercise break of " << record.NumAtaTime << " exercises from \""
+                            << record.Scheme << "\" every " << record.EveryM << " minutes\n";
         return 0;
     } catch (const std::exception& e) {
         tarvo::endWithFatalError(e, &messageBox);

@@ -23,6 +23,8 @@ public:
 };
 
 // A time of day as the status texts show it: two-digit hour and minute, "09:05".
-inline QString formatHhNn(const QDateTime& t) { return t.toString(QStringLiteral("HH:mm")); }
+inline QString formatHhNn(const QDateTime& t) {
+    return t.toString(QStringLiteral("HH:mm"));
+}
 
 } // namespace tarvo

@@ -2,14 +2,12 @@
 
 namespace tarvo {
 
-const RegistryModel::Section* RegistryModel::find(const QString& section) const
-{
+const RegistryModel::Section* RegistryModel::find(const QString& section) const {
     const auto it = sectionIndex_.constFind(fold(section));
     return it == sectionIndex_.cend() ? nullptr : &sections_[static_cast<size_t>(*it)];
 }
 
-RegistryModel::Section& RegistryModel::obtain(const QString& section)
-{
+RegistryModel::Section& RegistryModel::obtain(const QString& section) {
     const QString folded = fold(section);
     const auto it = sectionIndex_.constFind(folded);
     if (it != sectionIndex_.cend())
@@ -19,15 +17,13 @@ RegistryModel::Section& RegistryModel::obtain(const QString& section)
     return sections_.back();
 }
 
-void RegistryModel::reindexSections()
-{
+void RegistryModel::reindexSections() {
     sectionIndex_.clear();
     for (size_t i = 0; i < sections_.size(); ++i)
         sectionIndex_.insert(fold(sections_[i].name), static_cast<int>(i));
 }
 
-std::optional<QString> RegistryModel::value(const QString& section, const QString& key) const
-{
+std::optional<QString> RegistryModel::value(const QString& section, const QString& key) const {
     const Section* s = find(section);
     if (!s)
         return std::nullopt;
@@ -37,10 +33,11 @@ std::optional<QString> RegistryModel::value(const QString& section, const QStrin
     return s->values[static_cast<size_t>(*it)].text;
 }
 
-bool RegistryModel::hasSection(const QString& section) const { return find(section) != nullptr; }
+bool RegistryModel::hasSection(const QString& section) const {
+    return find(section) != nullptr;
+}
 
-QStringList RegistryModel::sections() const
-{
+QStringList RegistryModel::sections() const {
     QStringList names;
     names.reserve(static_cast<qsizetype>(sections_.size()));
     for (const Section& s : sections_)
@@ -48,8 +45,7 @@ QStringList RegistryModel::sections() const
     return names;
 }
 
-QStringList RegistryModel::keys(const QString& section) const
-{
+QStringList RegistryModel::keys(const QString& section) const {
     QStringList names;
     if (const Section* s = find(section)) {
         names.reserve(static_cast<qsizetype>(s->values.size()));
@@ -59,18 +55,18 @@ QStringList RegistryModel::keys(const QString& section) const
     return names;
 }
 
-int RegistryModel::valueCount() const
-{
+int RegistryModel::valueCount() const {
     int n = 0;
     for (const Section& s : sections_)
         n += static_cast<int>(s.values.size());
     return n;
 }
 
-void RegistryModel::ensureSection(const QString& section) { obtain(section); }
+void RegistryModel::ensureSection(const QString& section) {
+    obtain(section);
+}
 
-void RegistryModel::setValue(const QString& section, const QString& key, const QString& text)
-{
+void RegistryModel::setValue(const QString& section, const QString& key, const QString& text) {
     Section& s = obtain(section);
     const QString folded = fold(key);
     const auto it = s.index.constFind(folded);
@@ -82,8 +78,7 @@ void RegistryModel::setValue(const QString& section, const QString& key, const Q
     s.values.push_back(Value{key, text});
 }
 
-bool RegistryModel::deleteValue(const QString& section, const QString& key)
-{
+bool RegistryModel::deleteValue(const QString& section, const QString& key) {
     const auto sit = sectionIndex_.constFind(fold(section));
     if (sit == sectionIndex_.cend())
         return false;
@@ -98,8 +93,7 @@ bool RegistryModel::deleteValue(const QString& section, const QString& key)
     return true;
 }
 
-int RegistryModel::deleteSection(const QString& section)
-{
+int RegistryModel::deleteSection(const QString& section) {
     const QString folded = fold(section);
     const QString below = folded + QLatin1Char('\\');
     const auto gone = [&](const Section& s) {
@@ -112,8 +106,7 @@ int RegistryModel::deleteSection(const QString& section)
     return static_cast<int>(before - sections_.size());
 }
 
-bool RegistryModel::operator==(const RegistryModel& other) const
-{
+bool RegistryModel::operator==(const RegistryModel& other) const {
     if (sections_.size() != other.sections_.size())
         return false;
     for (size_t i = 0; i < sections_.size(); ++i) {

@@ -20,9 +20,7 @@ class StoreError : public std::runtime_error {
 public:
     explicit StoreError(const QString& message)
         : std::runtime_error(message.toStdString())
-        , message_(message)
-    {
-    }
+        , message_(message) {}
     const QString& message() const { return message_; }
 
 private:
@@ -62,14 +60,12 @@ public:
 class StoreBatch {
 public:
     explicit StoreBatch(RegistryStore& store)
-        : store_(&store)
-    {
+        : store_(&store) {
         store_->beginBatch();
     }
     StoreBatch(const StoreBatch&) = delete;
     StoreBatch& operator=(const StoreBatch&) = delete;
-    ~StoreBatch()
-    {
+    ~StoreBatch() {
         if (!store_)
             return;
         try {
@@ -77,8 +73,7 @@ public:
         } catch (...) { // NOLINT(bugprone-empty-catch): already unwinding from the error that matters
         }
     }
-    void finish()
-    {
+    void finish() {
         RegistryStore* s = std::exchange(store_, nullptr);
         s->endBatch();
     }

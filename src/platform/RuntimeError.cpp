@@ -2,8 +2,7 @@
 
 namespace tarvo {
 
-QString standardErrorDescription(std::int32_t number)
-{
+QString standardErrorDescription(std::int32_t number) {
     switch (number) {
     case vberr::InvalidCall:
         return QStringLiteral("Invalid procedure call or argument");
@@ -24,13 +23,11 @@ RuntimeError::RuntimeError(std::int32_t number, QString description, QString sou
     : number_(number)
     , description_(description.isEmpty() ? standardErrorDescription(number) : std::move(description))
     , source_(std::move(source))
-    , context_(std::move(context))
-{
+    , context_(std::move(context)) {
     what_ = report().toStdString();
 }
 
-QString RuntimeError::numberText() const
-{
+QString RuntimeError::numberText() const {
     if (number_ >= 0)
         return QString::number(number_);
     return QStringLiteral("%1 (%2)")
@@ -39,16 +36,19 @@ QString RuntimeError::numberText() const
         .toUpper();
 }
 
-QString RuntimeError::report() const
-{
+QString RuntimeError::report() const {
     QString text = QStringLiteral("Run-time error '%1':\n\n%2").arg(numberText(), description_);
     if (!context_.isEmpty())
         text += QStringLiteral("\n\n") + context_;
     return text;
 }
 
-void raiseOverflow() { throw RuntimeError(vberr::Overflow); }
+void raiseOverflow() {
+    throw RuntimeError(vberr::Overflow);
+}
 
-void raiseTypeMismatch(const QString& context) { throw RuntimeError(vberr::TypeMismatch, {}, {}, context); }
+void raiseTypeMismatch(const QString& context) {
+    throw RuntimeError(vberr::TypeMismatch, {}, {}, context);
+}
 
 } // namespace tarvo

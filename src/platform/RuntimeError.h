@@ -17,7 +17,9 @@ inline constexpr std::int32_t DivisionByZero = 11;
 inline constexpr std::int32_t TypeMismatch = 13;
 // Components report bad property values in the object-error range, 0x80040000 + n.
 inline constexpr std::int32_t ObjectErrorBase = static_cast<std::int32_t>(0x80040000u);
-constexpr std::int32_t objectError(std::int32_t n) { return ObjectErrorBase + n; }
+constexpr std::int32_t objectError(std::int32_t n) {
+    return ObjectErrorBase + n;
+}
 } // namespace vberr
 
 // The standard description of a runtime error number ("Overflow" for 6), or an empty text.

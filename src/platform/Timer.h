@@ -23,8 +23,7 @@ public:
     void setHandler(std::function<void()> handler) { handler_ = std::move(handler); }
 
 protected:
-    void tick()
-    {
+    void tick() {
         if (handler_)
             handler_();
     }

@@ -10,10 +10,11 @@ namespace tarvo::vb {
 
 namespace {
 
-bool isBlank(QChar c) { return c == QLatin1Char(' ') || c == QLatin1Char('\t'); }
+bool isBlank(QChar c) {
+    return c == QLatin1Char(' ') || c == QLatin1Char('\t');
+}
 
-QStringView trimBlanks(QStringView t)
-{
+QStringView trimBlanks(QStringView t) {
     while (!t.isEmpty() && isBlank(t.front()))
         t = t.mid(1);
     while (!t.isEmpty() && isBlank(t.back()))
@@ -21,8 +22,7 @@ QStringView trimBlanks(QStringView t)
     return t;
 }
 
-int hexDigit(QChar c)
-{
+int hexDigit(QChar c) {
     const char16_t u = c.unicode();
     if (u >= u'0' && u <= u'9')
         return u - u'0';
@@ -33,10 +33,11 @@ int hexDigit(QChar c)
     return -1;
 }
 
-bool isDigit(QChar c) { return c.unicode() >= u'0' && c.unicode() <= u'9'; }
+bool isDigit(QChar c) {
+    return c.unicode() >= u'0' && c.unicode() <= u'9';
+}
 
-std::int32_t parseHex(QStringView digits)
-{
+std::int32_t parseHex(QStringView digits) {
     if (digits.isEmpty())
         raiseTypeMismatch();
     std::uint64_t v = 0;
@@ -53,8 +54,7 @@ std::int32_t parseHex(QStringView digits)
 
 // Parses [sign] digits [. digits] exactly; the value is exact for every integer part that can be
 // in range, and the fraction only matters for its comparison with one half.
-double parseDecimal(QStringView t)
-{
+double parseDecimal(QStringView t) {
     bool negative = false;
     if (!t.isEmpty() && (t.front() == QLatin1Char('+') || t.front() == QLatin1Char('-'))) {
         negative = t.front() == QLatin1Char('-');
@@ -98,10 +98,11 @@ double parseDecimal(QStringView t)
 
 } // namespace
 
-double roundHalfEven(double value) { return std::nearbyint(value); }
+double roundHalfEven(double value) {
+    return std::nearbyint(value);
+}
 
-std::int32_t toLong(double value)
-{
+std::int32_t toLong(double value) {
     if (std::isnan(value))
         raiseOverflow();
     const double r = roundHalfEven(value);
@@ -111,16 +112,19 @@ std::int32_t toLong(double value)
     return static_cast<std::int32_t>(r);
 }
 
-std::int16_t toInteger(double value) { return checked::toInt16(toLong(value)); }
+std::int16_t toInteger(double value) {
+    return checked::toInt16(toLong(value));
+}
 
-std::int32_t toLong(QStringView text)
-{
+std::int32_t toLong(QStringView text) {
     const QStringView t = trimBlanks(text);
     if (t.size() >= 2 && t[0] == QLatin1Char('&') && (t[1] == QLatin1Char('H') || t[1] == QLatin1Char('h')))
         return parseHex(t.mid(2));
     return toLong(parseDecimal(t));
 }
 
-std::int16_t toInteger(QStringView text) { return checked::toInt16(toLong(text)); }
+std::int16_t toInteger(QStringView text) {
+    return checked::toInt16(toLong(text));
+}
 
 } // namespace tarvo::vb

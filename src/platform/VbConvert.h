@@ -27,6 +27,8 @@ std::int16_t toInteger(double value);
 double roundHalfEven(double value);
 
 // The decimal text of a whole number, without blanks or leading zeros ("15", "-1").
-inline QString toText(std::int32_t value) { return QString::number(value); }
+inline QString toText(std::int32_t value) {
+    return QString::number(value);
+}
 
 } // namespace tarvo::vb

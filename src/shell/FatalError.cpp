@@ -15,8 +15,7 @@ namespace tarvo {
 namespace {
 
 // Offscreen and minimal platforms have nobody to read (or dismiss) a dialog.
-bool canShowDialogs()
-{
+bool canShowDialogs() {
     if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
         return false;
     const QString platform = QGuiApplication::platformName();
@@ -25,19 +24,18 @@ bool canShowDialogs()
 
 } // namespace
 
-QString fatalErrorText(const std::exception& error)
-{
+QString fatalErrorText(const std::exception& error) {
     if (const auto* e = dynamic_cast<const RuntimeError*>(&error))
         return e->report();
     if (const auto* e = dynamic_cast<const StoreError*>(&error))
         return e->message();
     if (dynamic_cast<const std::bad_alloc*>(&error))
         return RuntimeError(7, QStringLiteral("Out of memory")).report();
-    return RuntimeError(51, QStringLiteral("Internal error"), {}, QString::fromLocal8Bit(error.what())).report();
+    return RuntimeError(51, QStringLiteral("Internal error"), {}, QString::fromLocal8Bit(error.what()))
+        .report();
 }
 
-void endWithFatalError(const std::exception& error, MessageBox* box)
-{
+void endWithFatalError(const std::exception& error, MessageBox* box) {
     const QString text = fatalErrorText(error);
     std::fprintf(stderr, "%s\n", qPrintable(text));
     std::fflush(stderr);

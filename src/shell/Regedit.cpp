@@ -14,11 +14,11 @@ namespace tarvo {
 
 namespace {
 
-const char* const kUsage = "Usage: regedit [/s] file.reg [file.reg ...]   import settings (/s: silently)\n"
-                           "       regedit /e file.reg [key]             export the Tarvo Micropause settings\n";
+const char* const kUsage =
+    "Usage: regedit [/s] file.reg [file.reg ...]   import settings (/s: silently)\n"
+    "       regedit /e file.reg [key]             export the Tarvo Micropause settings\n";
 
-bool isSwitch(const QString& arg, QLatin1String name)
-{
+bool isSwitch(const QString& arg, QLatin1String name) {
     return (arg.startsWith(QLatin1Char('/')) || arg.startsWith(QLatin1Char('-'))) &&
            arg.mid(1).compare(name, Qt::CaseInsensitive) == 0;
 }
@@ -28,8 +28,7 @@ struct ImportCounts {
 };
 
 // Applies the statements below our root to the store as one durable update; reports the rest.
-ImportCounts apply(const std::vector<RegStatement>& statements, RegistryStore& store, QTextStream* report)
-{
+ImportCounts apply(const std::vector<RegStatement>& statements, RegistryStore& store, QTextStream* report) {
     ImportCounts counts;
     QSet<QString> reportedKeys;
     StoreBatch batch(store);
@@ -39,7 +38,8 @@ ImportCounts apply(const std::vector<RegStatement>& statements, RegistryStore& s
             const QString folded = st.keyPath.toCaseFolded();
             if (report && !reportedKeys.contains(folded)) {
                 reportedKeys.insert(folded);
-                *report << "Skipped [" << st.keyPath << "] (line " << st.line << "): not a Tarvo Micropause key\n";
+                *report << "Skipped [" << st.keyPath << "] (line " << st.line
+                        << "): not a Tarvo Micropause key\n";
             }
             continue;
         }
@@ -70,8 +70,7 @@ ImportCounts apply(const std::vector<RegStatement>& statements, RegistryStore& s
     return counts;
 }
 
-int importFile(const QString& path, RegistryStore& store, bool silent, QTextStream& out, QTextStream& err)
-{
+int importFile(const QString& path, RegistryStore& store, bool silent, QTextStream& out, QTextStream& err) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         if (!silent)
@@ -98,8 +97,8 @@ int importFile(const QString& path, RegistryStore& store, bool silent, QTextStre
     return 0;
 }
 
-int exportFile(const QString& path, const std::optional<QString>& keyPath, RegistryStore& store, QTextStream& err)
-{
+int exportFile(const QString& path, const std::optional<QString>& keyPath, RegistryStore& store,
+               QTextStream& err) {
     std::optional<QString> section;
     if (keyPath) {
         section = sectionOfKeyPath(*keyPath);
@@ -136,8 +135,7 @@ int exportFile(const QString& path, const std::optional<QString>& keyPath, Regis
 
 } // namespace
 
-int runRegedit(const QStringList& arguments, RegistryStore& store, QTextStream& out, QTextStream& err)
-{
+int runRegedit(const QStringList& arguments, RegistryStore& store, QTextStream& out, QTextStream& err) {
     bool silent = false;
     std::optional<QString> exportPath;
     std::optional<QString> exportKey;

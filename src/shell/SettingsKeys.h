@@ -26,7 +26,9 @@ inline const QString DisableEsc = QStringLiteral("DisableEsc");
 inline const QString DisableEsc2 = QStringLiteral("DisableEsc2"); // set only from outside the program
 inline const QString Blank = QStringLiteral("Blank");
 inline const QString Warning = QStringLiteral("Warning");
-inline QString monitor(int source) { return QStringLiteral("Monitor") + QString::number(source); }
+inline QString monitor(int source) {
+    return QStringLiteral("Monitor") + QString::number(source);
+}
 
 // "Exercise"
 inline const QString Scheme = QStringLiteral("Scheme");

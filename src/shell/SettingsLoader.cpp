@@ -9,12 +9,13 @@ namespace {
 const SettingsRecord kDefaults;
 
 // Yes/no options are stored as the state of their check box.
-QString checkState(std::int32_t v) { return v != 0 ? QStringLiteral("1") : QStringLiteral("0"); }
+QString checkState(std::int32_t v) {
+    return v != 0 ? QStringLiteral("1") : QStringLiteral("0");
+}
 
 } // namespace
 
-void loadAllSettings(SettingsStore& s, SettingsRecord& r, const SettingsLoadSteps& steps)
-{
+void loadAllSettings(SettingsStore& s, SettingsRecord& r, const SettingsLoadSteps& steps) {
     const QString& ex = keys::Exercise;
     r.Scheme = s.readText(ex, keys::Scheme, kDefaults.Scheme);
     if (steps.loadScheme)
@@ -50,8 +51,7 @@ void loadAllSettings(SettingsStore& s, SettingsRecord& r, const SettingsLoadStep
     }
 }
 
-void commitSettings(SettingsStore& s, const SettingsRecord& r, const std::function<void()>& saveScheme)
-{
+void commitSettings(SettingsStore& s, const SettingsRecord& r, const std::function<void()>& saveScheme) {
     StoreBatch batch(s.store());
     const QString& mp = keys::Micropause;
     s.writeNumber(mp, keys::InterruptFor, r.InterruptFor);

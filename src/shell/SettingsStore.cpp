@@ -5,13 +5,12 @@
 
 namespace tarvo {
 
-QString SettingsStore::readText(const QString& section, const QString& key, const QString& defaultText)
-{
+QString SettingsStore::readText(const QString& section, const QString& key, const QString& defaultText) {
     return store_.value(section, key).value_or(defaultText);
 }
 
-std::int32_t SettingsStore::readNumber(const QString& section, const QString& key, std::int32_t defaultValue)
-{
+std::int32_t SettingsStore::readNumber(const QString& section, const QString& key,
+                                       std::int32_t defaultValue) {
     const QString text = readText(section, key, vb::toText(defaultValue));
     try {
         return vb::toLong(text);
@@ -25,13 +24,11 @@ std::int32_t SettingsStore::readNumber(const QString& section, const QString& ke
     }
 }
 
-void SettingsStore::write(const QString& section, const QString& key, const QString& text)
-{
+void SettingsStore::write(const QString& section, const QString& key, const QString& text) {
     store_.setValue(section, key, text);
 }
 
-void SettingsStore::writeNumber(const QString& section, const QString& key, std::int32_t value)
-{
+void SettingsStore::writeNumber(const QString& section, const QString& key, std::int32_t value) {
     store_.setValue(section, key, vb::toText(value));
 }
 

@@ -14,9 +14,7 @@ namespace tarvo {
 class SettingsStore {
 public:
     explicit SettingsStore(RegistryStore& store)
-        : store_(store)
-    {
-    }
+        : store_(store) {}
 
     QString readText(const QString& section, const QString& key, const QString& defaultText);
     std::int32_t readNumber(const QString& section, const QString& key, std::int32_t defaultValue);

@@ -5,14 +5,12 @@
 namespace tarvo {
 
 TarvoApplication::TarvoApplication(int& argc, char** argv)
-    : QApplication(argc, argv)
-{
+    : QApplication(argc, argv) {
     setApplicationName(kProgramTitle);
     setQuitOnLastWindowClosed(false); // the program lives in the tray, not in a window
 }
 
-bool TarvoApplication::notify(QObject* receiver, QEvent* event)
-{
+bool TarvoApplication::notify(QObject* receiver, QEvent* event) {
     try {
         return QApplication::notify(receiver, event);
     } catch (const std::exception& e) {

@@ -9,11 +9,11 @@ using namespace tarvo;
 
 namespace {
 
-const QString kKey = QStringLiteral("HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\Tarvo Micropause");
+const QString kKey =
+    QStringLiteral("HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\Tarvo Micropause");
 
 // Applies parsed statements below the root to a model, as the store does.
-RegistryModel modelOf(const std::vector<RegStatement>& statements)
-{
+RegistryModel modelOf(const std::vector<RegStatement>& statements) {
     RegistryModel m;
     for (const RegStatement& st : statements) {
         const auto section = sectionOfKeyPath(st.keyPath);
@@ -27,8 +27,7 @@ RegistryModel modelOf(const std::vector<RegStatement>& statements)
     return m;
 }
 
-int errorLine(const QByteArray& bytes)
-{
+int errorLine(const QByteArray& bytes) {
     try {
         parseRegFile(bytes, QStringLiteral("f.reg"));
     } catch (const RegParseError& e) {
@@ -43,9 +42,9 @@ class TestRegFileCodec : public QObject {
     Q_OBJECT
 
 private slots:
-    void readsBothVersionsAndEncodings()
-    {
-        const QString body = QStringLiteral("\r\n[%1\\Micropause]\r\n\"Warning\"=\"Schöne Pause\"\r\n").arg(kKey);
+    void readsBothVersionsAndEncodings() {
+        const QString body =
+            QStringLiteral("\r\n[%1\\Micropause]\r\n\"Warning\"=\"Schöne Pause\"\r\n").arg(kKey);
         const QString v4 = QStringLiteral("REGEDIT4") + body;
         const QString v5 = QStringLiteral("Windows Registry Editor Version 5.00") + body;
 
@@ -58,8 +57,7 @@ private slots:
         }
     }
 
-    void escapesAndTypedValues()
-    {
+    void escapesAndTypedValues() {
         const QByteArray file = QStringLiteral("REGEDIT4\n"
                                                "; a comment line\n"
                                                "[%1\\Scheme a\\b [x]]\n"
@@ -90,12 +88,12 @@ private slots:
         QCOMPARE(st[8].kind, RegStatement::Kind::Unsupported);
     }
 
-    void deletionsAndForeignKeys()
-    {
-        const QByteArray file = QStringLiteral("REGEDIT4\n[-%1\\Scheme old]\n\"ignored\"=\"below a deleted key\"\n"
-                                               "[HKEY_LOCAL_MACHINE\\Software\\Other]\n\"x\"=\"y\"\n[%1]\n")
-                                    .arg(kKey)
-                                    .toUtf8();
+    void deletionsAndForeignKeys() {
+        const QByteArray file =
+            QStringLiteral("REGEDIT4\n[-%1\\Scheme old]\n\"ignored\"=\"below a deleted key\"\n"
+                           "[HKEY_LOCAL_MACHINE\\Software\\Other]\n\"x\"=\"y\"\n[%1]\n")
+                .arg(kKey)
+                .toUtf8();
         const auto st = parseRegFile(file, QStringLiteral("f.reg"));
         QCOMPARE(st.size(), size_t(4));
         QCOMPARE(st[0].kind, RegStatement::Kind::DeleteKey);
@@ -106,14 +104,13 @@ private slots:
         QCOMPARE(*sectionOfKeyPath(kKey.toUpper() + QStringLiteral("\\Options")), QStringLiteral("Options"));
     }
 
-    void errorsNameTheLine()
-    {
+    void errorsNameTheLine() {
         QCOMPARE(errorLine("Hello\n"), 1);
         QCOMPARE(errorLine("\n\nREGEDIT5\n"), 3);
         QCOMPARE(errorLine(""), 1);
         const QByteArray head = QStringLiteral("REGEDIT4\n\n[%1\\Options]\n").arg(kKey).toUtf8();
-        QCOMPARE(errorLine(head + "\"tray\"=\"0\n"), 4);                    // unterminated value
-        QCOMPARE(errorLine(head + "\"tray=\"0\"\n"), 4);                   // name not closed where it should
+        QCOMPARE(errorLine(head + "\"tray\"=\"0\n"), 4); // unterminated value
+        QCOMPARE(errorLine(head + "\"tray=\"0\"\n"), 4); // name not closed where it should
         QCOMPARE(errorLine(head + "\"a\"=\"1\"\n[" + kKey.toUtf8() + "\n"), 5); // truncated header
         QCOMPARE(errorLine(head + "\"a\"=\"1\" junk\n"), 4);
         QCOMPARE(errorLine(head + "\"a\"=hex:zz\n"), 4);
@@ -128,8 +125,7 @@ private slots:
         }
     }
 
-    void serializeRoundTrip()
-    {
+    void serializeRoundTrip() {
         RegistryModel m;
         m.setValue(QStringLiteral("Micropause"), QStringLiteral("Warning"),
                    QStringLiteral("Hands off Keyboard && Mouse, \"look\" away \\ relax.\nTwo"));

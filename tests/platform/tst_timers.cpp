@@ -15,14 +15,14 @@ class TestTimers : public QObject {
     Q_OBJECT
 
 private slots:
-    void tickCountIsBootTimeInMilliseconds()
-    {
+    void tickCountIsBootTimeInMilliseconds() {
         timespec ts{};
         clock_gettime(CLOCK_BOOTTIME, &ts);
         const auto expected = static_cast<std::uint32_t>(static_cast<std::uint64_t>(ts.tv_sec) * 1000u +
                                                          static_cast<std::uint64_t>(ts.tv_nsec) / 1000000u);
         const auto tick = static_cast<std::uint32_t>(SystemClock().tickCount());
-        QVERIFY2(tick - expected < 1000u, "the tick count must be CLOCK_BOOTTIME in ms, truncated to 32 bits");
+        QVERIFY2(tick - expected < 1000u,
+                 "the tick count must be CLOCK_BOOTTIME in ms, truncated to 32 bits");
 
         FakeClock clock(2147483000);
         clock.advance(1000);
@@ -30,8 +30,7 @@ private slots:
         QCOMPARE(formatHhNn(QDateTime(QDate(2026, 1, 2), QTime(9, 5, 59))), QStringLiteral("09:05"));
     }
 
-    void qtTimerFiresOnlyWhenEnabledWithAnInterval()
-    {
+    void qtTimerFiresOnlyWhenEnabledWithAnInterval() {
         QtTimer timer;
         int ticks = 0;
         timer.setHandler([&] { ++ticks; });
@@ -53,8 +52,7 @@ private slots:
         QCOMPARE(ticks, disabled);
     }
 
-    void manualTimelineRunsAnHourInOrder()
-    {
+    void manualTimelineRunsAnHourInOrder() {
         FakeClock clock(0);
         ManualTimeline timeline(&clock);
         auto minutes = timeline.createTimer();

@@ -12,8 +12,7 @@ namespace {
 
 // The error number a call raises, or 0 when it raises nothing.
 template <typename F>
-std::int32_t errorOf(F&& f)
-{
+std::int32_t errorOf(F&& f) {
     try {
         f();
     } catch (const RuntimeError& e) {
@@ -28,8 +27,7 @@ class TestVbConvert : public QObject {
     Q_OBJECT
 
 private slots:
-    void toLongAcceptsNumbers_data()
-    {
+    void toLongAcceptsNumbers_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("expected");
         QTest::newRow("plain") << "15" << 15;
@@ -54,15 +52,13 @@ private slots:
         QTest::newRow("hex all ones") << "&HFFFFFFFF" << -1;
         QTest::newRow("hex sign bit") << "&H80000000" << int(-2147483647 - 1);
     }
-    void toLongAcceptsNumbers()
-    {
+    void toLongAcceptsNumbers() {
         QFETCH(QString, text);
         QFETCH(int, expected);
         QCOMPARE(vb::toLong(text), expected);
     }
 
-    void toLongRejects_data()
-    {
+    void toLongRejects_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("error");
         QTest::newRow("letters") << "abc" << int(vberr::TypeMismatch);
@@ -83,15 +79,13 @@ private slots:
         QTest::newRow("huge") << QString(400, QLatin1Char('9')) << int(vberr::Overflow);
         QTest::newRow("hex nine digits") << "&H100000000" << int(vberr::Overflow);
     }
-    void toLongRejects()
-    {
+    void toLongRejects() {
         QFETCH(QString, text);
         QFETCH(int, error);
         QCOMPARE(errorOf([&] { vb::toLong(text); }), error);
     }
 
-    void integerAndDoubleConversions()
-    {
+    void integerAndDoubleConversions() {
         QCOMPARE(vb::toInteger(QStringLiteral("32767")), std::int16_t(32767));
         QCOMPARE(vb::toInteger(QStringLiteral("-32768")), std::int16_t(-32768));
         QCOMPARE(errorOf([] { vb::toInteger(QStringLiteral("32768")); }), vberr::Overflow);
@@ -105,8 +99,7 @@ private slots:
         QCOMPARE(errorOf([] { vb::toInteger(32767.5); }), vberr::Overflow);
     }
 
-    void checkedArithmetic()
-    {
+    void checkedArithmetic() {
         const std::int32_t max32 = std::numeric_limits<std::int32_t>::max();
         const std::int32_t min32 = std::numeric_limits<std::int32_t>::min();
         QCOMPARE(checked::add(max32 - 1, 1), max32);
@@ -126,14 +119,16 @@ private slots:
         QCOMPARE(errorOf([] { checked::toInt16(-32769); }), vberr::Overflow);
     }
 
-    void errorReports()
-    {
+    void errorReports() {
         const RuntimeError overflow(vberr::Overflow);
         QCOMPARE(overflow.report(), QStringLiteral("Run-time error '6':\n\nOverflow"));
-        const RuntimeError mismatch(vberr::TypeMismatch, {}, {}, QStringLiteral("The setting \"x\" holds \"y\"."));
-        QCOMPARE(mismatch.report(), QStringLiteral("Run-time error '13':\n\nType mismatch\n\nThe setting \"x\" holds \"y\"."));
+        const RuntimeError mismatch(vberr::TypeMismatch, {}, {},
+                                    QStringLiteral("The setting \"x\" holds \"y\"."));
+        QCOMPARE(mismatch.report(),
+                 QStringLiteral("Run-time error '13':\n\nType mismatch\n\nThe setting \"x\" holds \"y\"."));
         // Object errors show their signed number and the hexadecimal pattern.
-        const RuntimeError bar(vberr::objectError(3), QStringLiteral("Max property must be greater than Min."),
+        const RuntimeError bar(vberr::objectError(3),
+                               QStringLiteral("Max property must be greater than Min."),
                                QStringLiteral("CProgressBar.Max"));
         QCOMPARE(bar.number(), -2147221501);
         QVERIFY(bar.report().startsWith(QStringLiteral("Run-time error '-2147221501 (80040003)':")));

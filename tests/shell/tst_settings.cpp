@@ -14,8 +14,7 @@ class TestSettings : public QObject {
     Q_OBJECT
 
 private slots:
-    void freshProfileLoadsTheDefaultsInOrder()
-    {
+    void freshProfileLoadsTheDefaultsInOrder() {
         MemoryRegistryStore store;
         SettingsStore settings(store);
         SettingsRecord record;
@@ -23,9 +22,15 @@ private slots:
         record.Monitor = {0, 0};
         QStringList steps;
         SettingsLoadSteps hooks;
-        hooks.loadScheme = [&](const QString& s) { steps << QStringLiteral("scheme %1 after %2 reads").arg(s).arg(store.reads().size()); };
-        hooks.showWarning = [&](const QString& w) { steps << QStringLiteral("warning %1 after %2 reads").arg(w).arg(store.reads().size()); };
-        hooks.monitorSource = [&](int source, std::int32_t on) { steps << QStringLiteral("monitor %1=%2").arg(source).arg(on); };
+        hooks.loadScheme = [&](const QString& s) {
+            steps << QStringLiteral("scheme %1 after %2 reads").arg(s).arg(store.reads().size());
+        };
+        hooks.showWarning = [&](const QString& w) {
+            steps << QStringLiteral("warning %1 after %2 reads").arg(w).arg(store.reads().size());
+        };
+        hooks.monitorSource = [&](int source, std::int32_t on) {
+            steps << QStringLiteral("monitor %1=%2").arg(source).arg(on);
+        };
         loadAllSettings(settings, record, hooks);
 
         QCOMPARE(record.InterruptFor, 15);
@@ -34,8 +39,11 @@ private slots:
         QCOMPARE(record.NumAtaTime, 6);
         QCOMPARE(record.Scheme, QStringLiteral("*Medium break"));
         QCOMPARE(record.Warning, QStringLiteral("Hands off Keyboard && Mouse, look away, relax."));
-        QVERIFY(record.WarningSound.isEmpty() && record.WarningSoundPre.isEmpty() && record.WarningSoundX.isEmpty());
-        QCOMPARE(record.Audible + record.AudiblePre + record.AudibleX + record.Blank + record.BlankX + record.IntelliReset, 6);
+        QVERIFY(record.WarningSound.isEmpty() && record.WarningSoundPre.isEmpty() &&
+                record.WarningSoundX.isEmpty());
+        QCOMPARE(record.Audible + record.AudiblePre + record.AudibleX + record.Blank + record.BlankX +
+                     record.IntelliReset,
+                 6);
         QCOMPARE(record.DisableEsc, 0);
         QCOMPARE(record.xStart, 0);
         QCOMPARE(record.ViewAm, 0);
@@ -43,12 +51,13 @@ private slots:
         QVERIFY(record == SettingsRecord{});
 
         const QStringList expectedReads{
-            "Exercise/Scheme", "Exercise/EveryM", "Exercise/AudibleX", "Exercise/WarningSoundX",
-            "Exercise/BlankX", "Exercise/ViewAm", "Exercise/xStart", "Exercise/NumAtaTime",
-            "Micropause/InterruptFor", "Micropause/InterruptEvery", "Micropause/IntelliReset",
-            "Micropause/Audible", "Micropause/WarningSound", "Micropause/AudiblePre",
-            "Micropause/WarningSoundPre", "Micropause/DisableEsc", "Micropause/DisableEsc2",
-            "Micropause/Blank", "Micropause/Warning", "Micropause/Monitor0", "Micropause/Monitor1"};
+            "Exercise/Scheme",           "Exercise/EveryM",         "Exercise/AudibleX",
+            "Exercise/WarningSoundX",    "Exercise/BlankX",         "Exercise/ViewAm",
+            "Exercise/xStart",           "Exercise/NumAtaTime",     "Micropause/InterruptFor",
+            "Micropause/InterruptEvery", "Micropause/IntelliReset", "Micropause/Audible",
+            "Micropause/WarningSound",   "Micropause/AudiblePre",   "Micropause/WarningSoundPre",
+            "Micropause/DisableEsc",     "Micropause/DisableEsc2",  "Micropause/Blank",
+            "Micropause/Warning",        "Micropause/Monitor0",     "Micropause/Monitor1"};
         QCOMPARE(store.reads(), expectedReads);
         QCOMPARE(steps, (QStringList{"scheme *Medium break after 1 reads",
                                      "warning Hands off Keyboard && Mouse, look away, relax. after 19 reads",
@@ -56,8 +65,7 @@ private slots:
         QVERIFY2(store.writes().empty(), "loading never writes");
     }
 
-    void storedValuesAndTheEscMerge()
-    {
+    void storedValuesAndTheEscMerge() {
         MemoryRegistryStore store;
         auto& m = store.model();
         m.setValue(keys::Micropause, QStringLiteral("DISABLEESC"), QStringLiteral("0"));
@@ -88,8 +96,7 @@ private slots:
         QCOMPARE(m.keys(keys::Micropause).first(), QStringLiteral("DISABLEESC")); // first-written case kept
     }
 
-    void commitWritesEveryKeyInOrder()
-    {
+    void commitWritesEveryKeyInOrder() {
         MemoryRegistryStore store;
         SettingsStore settings(store);
         SettingsRecord r;
@@ -107,22 +114,34 @@ private slots:
         QStringList written;
         for (const auto& w : store.writes())
             written << w.section + QLatin1Char('/') + w.key + QLatin1Char('=') + w.text;
-        const QStringList expected{
-            "Micropause/InterruptFor=30", "Micropause/InterruptEvery=4", "Micropause/Audible=1",
-            "Micropause/WarningSound=", "Micropause/AudiblePre=1", "Micropause/WarningSoundPre=",
-            "Micropause/Blank=1", "Micropause/Warning=Rest && breathe", "Micropause/DisableEsc=0",
-            "Micropause/IntelliReset=1", "Micropause/Monitor0=1", "Micropause/Monitor1=1",
-            "Exercise/AudibleX=1", "Exercise/EveryM=50", "Exercise/WarningSoundX=", "Exercise/BlankX=1",
-            "Exercise/ViewAm=0", "Scheme*Medium break/Num=0", "Exercise/Scheme=*Medium break",
-            "Exercise/xStart=-1", "Exercise/NumAtaTime=6"};
+        const QStringList expected{"Micropause/InterruptFor=30",
+                                   "Micropause/InterruptEvery=4",
+                                   "Micropause/Audible=1",
+                                   "Micropause/WarningSound=",
+                                   "Micropause/AudiblePre=1",
+                                   "Micropause/WarningSoundPre=",
+                                   "Micropause/Blank=1",
+                                   "Micropause/Warning=Rest && breathe",
+                                   "Micropause/DisableEsc=0",
+                                   "Micropause/IntelliReset=1",
+                                   "Micropause/Monitor0=1",
+                                   "Micropause/Monitor1=1",
+                                   "Exercise/AudibleX=1",
+                                   "Exercise/EveryM=50",
+                                   "Exercise/WarningSoundX=",
+                                   "Exercise/BlankX=1",
+                                   "Exercise/ViewAm=0",
+                                   "Scheme*Medium break/Num=0",
+                                   "Exercise/Scheme=*Medium break",
+                                   "Exercise/xStart=-1",
+                                   "Exercise/NumAtaTime=6"};
         QCOMPARE(written, expected);
         QCOMPARE(writesBeforeSave, size_t(17));
         QCOMPARE(batchDepthDuringSave, 1);
         QCOMPARE(store.batchesCompleted(), 1); // one durable update for the whole Apply
     }
 
-    void badNumbersNameTheSetting_data()
-    {
+    void badNumbersNameTheSetting_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("error");
         QTest::newRow("letters") << "abc" << int(vberr::TypeMismatch);
@@ -130,8 +149,7 @@ private slots:
         QTest::newRow("exponent") << "1e5x" << int(vberr::TypeMismatch);
         QTest::newRow("too large") << "99999999999" << int(vberr::Overflow);
     }
-    void badNumbersNameTheSetting()
-    {
+    void badNumbersNameTheSetting() {
         QFETCH(QString, text);
         QFETCH(int, error);
         MemoryRegistryStore store;
@@ -146,15 +164,16 @@ private slots:
             QCOMPARE(e.number(), error);
             const QString report = fatalErrorText(e);
             QVERIFY(report.startsWith(QStringLiteral("Run-time error '%1':").arg(error)));
-            QVERIFY2(report.contains(QStringLiteral("\"InterruptEvery\" in section \"Micropause\" holds \"%1\"").arg(text)),
-                     qPrintable(report));
+            QVERIFY2(
+                report.contains(
+                    QStringLiteral("\"InterruptEvery\" in section \"Micropause\" holds \"%1\"").arg(text)),
+                qPrintable(report));
         }
         QCOMPARE(record.InterruptFor, 15); // read before the bad key
         QCOMPARE(store.reads().last(), QStringLiteral("Micropause/InterruptEvery")); // nothing read after it
     }
 
-    void fatalTextsForStoreAndOtherErrors()
-    {
+    void fatalTextsForStoreAndOtherErrors() {
         QCOMPARE(fatalErrorText(StoreError(QStringLiteral("The settings file is damaged"))),
                  QStringLiteral("The settings file is damaged"));
         QVERIFY(fatalErrorText(std::runtime_error("boom")).contains(QStringLiteral("boom")));

@@ -9,19 +9,16 @@ namespace tarvo {
 // Activity that a test makes up: input() stamps a channel, but only while the channel is switched on.
 class FakeActivityMonitor : public ActivityMonitor {
 public:
-    void InstallFilter(std::int32_t channel, bool on) override
-    {
+    void InstallFilter(std::int32_t channel, bool on) override {
         if (channel == 0 || channel == 1)
             on_[static_cast<size_t>(channel)] = on;
         ++installCalls_;
     }
-    std::int32_t VexGetTime(std::int32_t channel) override
-    {
+    std::int32_t VexGetTime(std::int32_t channel) override {
         return (channel == 0 || channel == 1) ? stamps_[static_cast<size_t>(channel)] : 0;
     }
 
-    void input(int channel, std::int32_t tick)
-    {
+    void input(int channel, std::int32_t tick) {
         if (on_[static_cast<size_t>(channel)])
             stamps_[static_cast<size_t>(channel)] = tick;
     }

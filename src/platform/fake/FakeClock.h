@@ -10,17 +10,15 @@ public:
     explicit FakeClock(std::int32_t tick = 1000,
                        QDateTime local = QDateTime(QDate(2026, 11, 22), QTime(9, 0)))
         : tick_(tick)
-        , local_(std::move(local))
-    {
-    }
+        , local_(std::move(local)) {}
 
     std::int32_t tickCount() const override { return tick_; }
     QDateTime localNow() const override { return local_; }
 
     // Moves both readings forward; the tick count wraps like the real one.
-    void advance(std::int64_t milliseconds)
-    {
-        tick_ = static_cast<std::int32_t>(static_cast<std::uint32_t>(tick_) + static_cast<std::uint32_t>(milliseconds));
+    void advance(std::int64_t milliseconds) {
+        tick_ = static_cast<std::int32_t>(static_cast<std::uint32_t>(tick_) +
+                                          static_cast<std::uint32_t>(milliseconds));
         local_ = local_.addMSecs(milliseconds);
     }
     void setTickCount(std::int32_t tick) { tick_ = tick; }

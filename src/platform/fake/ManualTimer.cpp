@@ -7,29 +7,27 @@
 namespace tarvo {
 
 ManualTimer::ManualTimer(ManualTimeline* timeline)
-    : timeline_(timeline)
-{
+    : timeline_(timeline) {
     if (timeline_)
         timeline_->timers_.push_back(this);
 }
 
-ManualTimer::~ManualTimer()
-{
+ManualTimer::~ManualTimer() {
     if (timeline_)
         std::erase(timeline_->timers_, this);
 }
 
-void ManualTimer::restart() { dueAt_ = (timeline_ ? timeline_->now() : 0) + interval_; }
+void ManualTimer::restart() {
+    dueAt_ = (timeline_ ? timeline_->now() : 0) + interval_;
+}
 
-void ManualTimer::setInterval(int milliseconds)
-{
+void ManualTimer::setInterval(int milliseconds) {
     interval_ = milliseconds;
     if (enabled_)
         restart();
 }
 
-void ManualTimer::setEnabled(bool enabled)
-{
+void ManualTimer::setEnabled(bool enabled) {
     if (enabled == enabled_)
         return;
     enabled_ = enabled;
@@ -37,8 +35,7 @@ void ManualTimer::setEnabled(bool enabled)
         restart();
 }
 
-bool ManualTimer::fire()
-{
+bool ManualTimer::fire() {
     if (!isRunning())
         return false;
     ++fired_;
@@ -47,15 +44,13 @@ bool ManualTimer::fire()
     return true;
 }
 
-void ManualTimeline::moveTo(std::int64_t t)
-{
+void ManualTimeline::moveTo(std::int64_t t) {
     if (clock_)
         clock_->advance(t - now_);
     now_ = t;
 }
 
-int ManualTimeline::advance(std::int64_t milliseconds)
-{
+int ManualTimeline::advance(std::int64_t milliseconds) {
     const std::int64_t end = now_ + milliseconds;
     int delivered = 0;
     while (true) {

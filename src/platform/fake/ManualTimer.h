@@ -46,9 +46,7 @@ private:
 class ManualTimeline : public TimerFactory {
 public:
     explicit ManualTimeline(FakeClock* clock = nullptr)
-        : clock_(clock)
-    {
-    }
+        : clock_(clock) {}
 
     std::unique_ptr<Timer> createTimer() override { return std::make_unique<ManualTimer>(this); }
 

@@ -17,24 +17,23 @@ public:
         bool operator==(const Write&) const = default;
     };
 
-    std::optional<QString> value(const QString& section, const QString& key) override
-    {
+    std::optional<QString> value(const QString& section, const QString& key) override {
         reads_.push_back(section + QLatin1Char('/') + key);
         return model_.value(section, key);
     }
     QStringList sections() override { return model_.sections(); }
     QStringList keys(const QString& section) override { return model_.keys(section); }
-    void setValue(const QString& section, const QString& key, const QString& text) override
-    {
+    void setValue(const QString& section, const QString& key, const QString& text) override {
         writes_.push_back({section, key, text});
         model_.setValue(section, key, text);
     }
-    void deleteValue(const QString& section, const QString& key) override { model_.deleteValue(section, key); }
+    void deleteValue(const QString& section, const QString& key) override {
+        model_.deleteValue(section, key);
+    }
     void ensureSection(const QString& section) override { model_.ensureSection(section); }
     void deleteSection(const QString& section) override { model_.deleteSection(section); }
     void beginBatch() override { ++batchDepth_; }
-    void endBatch() override
-    {
+    void endBatch() override {
         if (--batchDepth_ == 0)
             ++batchesCompleted_;
     }

@@ -19,8 +19,7 @@ public:
         Icon icon;
     };
 
-    Answer show(const QString& text, const QString& title, Buttons buttons, Icon icon) override
-    {
+    Answer show(const QString& text, const QString& title, Buttons buttons, Icon icon) override {
         shown_.push_back({text, title, buttons, icon});
         if (!answers_.empty()) {
             const Answer a = answers_.front();

@@ -16,8 +16,7 @@ namespace {
 // A write takes milliseconds; a lock held this long belongs to a hung process or another machine.
 constexpr int kLockWaitMs = 10000;
 
-QString newlineFree(const QString& section)
-{
+QString newlineFree(const QString& section) {
     if (section.contains(QLatin1Char('\n')) || section.contains(QLatin1Char('\r')))
         throw StoreError(QStringLiteral("A section name cannot contain a line break: \"%1\"").arg(section));
     return section;
@@ -25,22 +24,18 @@ QString newlineFree(const QString& section)
 } // namespace
 
 FileRegistryStore::FileRegistryStore(QString path)
-    : path_(std::move(path))
-{
-}
+    : path_(std::move(path)) {}
 
 FileRegistryStore::~FileRegistryStore() = default;
 
-QString FileRegistryStore::defaultPath()
-{
+QString FileRegistryStore::defaultPath() {
     QString base = qEnvironmentVariable("XDG_CONFIG_HOME");
     if (base.isEmpty() || !QDir::isAbsolutePath(base))
         base = QDir::homePath() + QStringLiteral("/.config");
     return base + QStringLiteral("/tarvo/registry.reg");
 }
 
-FileRegistryStore::FileIdentity FileRegistryStore::identify() const
-{
+FileRegistryStore::FileIdentity FileRegistryStore::identify() const {
     struct stat st {};
     FileIdentity id;
     if (::stat(QFile::encodeName(path_).constData(), &st) != 0)
@@ -53,8 +48,7 @@ FileRegistryStore::FileIdentity FileRegistryStore::identify() const
     return id;
 }
 
-void FileRegistryStore::refresh()
-{
+void FileRegistryStore::refresh() {
     const FileIdentity id = identify();
     if (everLoaded_ && id == loaded_)
         return;
@@ -62,7 +56,8 @@ void FileRegistryStore::refresh()
     if (id.exists) {
         QFile file(path_);
         if (!file.open(QIODevice::ReadOnly))
-            throw StoreError(QStringLiteral("Cannot read the settings file %1: %2").arg(path_, file.errorString()));
+            throw StoreError(
+                QStringLiteral("Cannot read the settings file %1: %2").arg(path_, file.errorString()));
         const QByteArray bytes = file.readAll();
         if (!isBlankRegFile(bytes)) {
             try {
@@ -81,8 +76,9 @@ void FileRegistryStore::refresh()
                     case RegStatement::Kind::DeleteKey:
                     case RegStatement::Kind::DeleteValue:
                     case RegStatement::Kind::Unsupported:
-                        throw RegParseError(path_, st.line,
-                                            QStringLiteral("only keys and text values belong in the settings file"));
+                        throw RegParseError(
+                            path_, st.line,
+                            QStringLiteral("only keys and text values belong in the settings file"));
                     }
                 }
             } catch (const RegParseError& e) {
@@ -97,22 +93,23 @@ void FileRegistryStore::refresh()
     everLoaded_ = true;
 }
 
-void FileRegistryStore::persist()
-{
+void FileRegistryStore::persist() {
     const QFileInfo info(path_);
     if (!QDir().mkpath(info.absolutePath()))
-        throw StoreError(QStringLiteral("Cannot create the folder %1 for the settings file").arg(info.absolutePath()));
+        throw StoreError(
+            QStringLiteral("Cannot create the folder %1 for the settings file").arg(info.absolutePath()));
     QSaveFile file(path_);
     if (!file.open(QIODevice::WriteOnly))
-        throw StoreError(QStringLiteral("Cannot write the settings file %1: %2").arg(path_, file.errorString()));
+        throw StoreError(
+            QStringLiteral("Cannot write the settings file %1: %2").arg(path_, file.errorString()));
     const QByteArray bytes = serializeRegFile(model_);
     if (file.write(bytes) != bytes.size() || !file.commit())
-        throw StoreError(QStringLiteral("Cannot write the settings file %1: %2").arg(path_, file.errorString()));
+        throw StoreError(
+            QStringLiteral("Cannot write the settings file %1: %2").arg(path_, file.errorString()));
     loaded_ = identify();
 }
 
-void FileRegistryStore::beginBatch()
-{
+void FileRegistryStore::beginBatch() {
     if (batchDepth_++ > 0)
         return;
     try {
@@ -120,8 +117,9 @@ void FileRegistryStore::beginBatch()
         QDir().mkpath(info.absolutePath());
         lock_ = std::make_unique<QLockFile>(path_ + QStringLiteral(".lock"));
         if (!lock_->tryLock(kLockWaitMs))
-            throw StoreError(QStringLiteral("The settings file %1 is locked by another program (lock file %1.lock)")
-                                 .arg(path_));
+            throw StoreError(
+                QStringLiteral("The settings file %1 is locked by another program (lock file %1.lock)")
+                    .arg(path_));
         refresh();
     } catch (...) {
         lock_.reset();
@@ -130,8 +128,7 @@ void FileRegistryStore::beginBatch()
     }
 }
 
-void FileRegistryStore::endBatch()
-{
+void FileRegistryStore::endBatch() {
     if (batchDepth_ == 0 || --batchDepth_ > 0)
         return;
     // The lock is released whatever happens to the write.
@@ -147,54 +144,46 @@ void FileRegistryStore::endBatch()
 }
 
 template <typename Change>
-void FileRegistryStore::modify(Change&& change)
-{
+void FileRegistryStore::modify(Change&& change) {
     StoreBatch batch(*this);
     change(model_);
     dirty_ = true;
     batch.finish();
 }
 
-std::optional<QString> FileRegistryStore::value(const QString& section, const QString& key)
-{
+std::optional<QString> FileRegistryStore::value(const QString& section, const QString& key) {
     if (batchDepth_ == 0)
         refresh();
     return model_.value(section, key);
 }
 
-QStringList FileRegistryStore::sections()
-{
+QStringList FileRegistryStore::sections() {
     if (batchDepth_ == 0)
         refresh();
     return model_.sections();
 }
 
-QStringList FileRegistryStore::keys(const QString& section)
-{
+QStringList FileRegistryStore::keys(const QString& section) {
     if (batchDepth_ == 0)
         refresh();
     return model_.keys(section);
 }
 
-void FileRegistryStore::setValue(const QString& section, const QString& key, const QString& text)
-{
+void FileRegistryStore::setValue(const QString& section, const QString& key, const QString& text) {
     newlineFree(section);
     modify([&](RegistryModel& m) { m.setValue(section, key, text); });
 }
 
-void FileRegistryStore::deleteValue(const QString& section, const QString& key)
-{
+void FileRegistryStore::deleteValue(const QString& section, const QString& key) {
     modify([&](RegistryModel& m) { m.deleteValue(section, key); });
 }
 
-void FileRegistryStore::ensureSection(const QString& section)
-{
+void FileRegistryStore::ensureSection(const QString& section) {
     newlineFree(section);
     modify([&](RegistryModel& m) { m.ensureSection(section); });
 }
 
-void FileRegistryStore::deleteSection(const QString& section)
-{
+void FileRegistryStore::deleteSection(const QString& section) {
     modify([&](RegistryModel& m) { m.deleteSection(section); });
 }
 

@@ -4,8 +4,7 @@
 
 namespace tarvo {
 
-MessageBox::Answer QtMessageBox::show(const QString& text, const QString& title, Buttons buttons, Icon icon)
-{
+MessageBox::Answer QtMessageBox::show(const QString& text, const QString& title, Buttons buttons, Icon icon) {
     QMessageBox box;
     box.setWindowTitle(title);
     box.setText(text);

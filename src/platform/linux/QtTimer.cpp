@@ -2,29 +2,25 @@
 
 namespace tarvo {
 
-QtTimer::QtTimer()
-{
+QtTimer::QtTimer() {
     timer_.setTimerType(Qt::PreciseTimer);
     QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { tick(); });
 }
 
-void QtTimer::setInterval(int milliseconds)
-{
+void QtTimer::setInterval(int milliseconds) {
     interval_ = milliseconds;
     if (enabled_)
         apply(); // a new interval restarts the period
 }
 
-void QtTimer::setEnabled(bool enabled)
-{
+void QtTimer::setEnabled(bool enabled) {
     if (enabled == enabled_)
         return;
     enabled_ = enabled;
     apply();
 }
 
-void QtTimer::apply()
-{
+void QtTimer::apply() {
     if (enabled_ && interval_ > 0)
         timer_.start(interval_);
     else

@@ -11,8 +11,7 @@ namespace {
 const QString kRegedit4 = QStringLiteral("REGEDIT4");
 const QString kRegedit5 = QStringLiteral("Windows Registry Editor Version 5.00");
 
-QString decode(const QByteArray& bytes)
-{
+QString decode(const QByteArray& bytes) {
     if (bytes.startsWith("\xFF\xFE"))
         return QStringDecoder(QStringDecoder::Utf16LE).decode(bytes.mid(2));
     if (bytes.startsWith("\xFE\xFF"))
@@ -31,20 +30,16 @@ public:
     LineReader(QStringView line, const QString& file, int lineNo)
         : line_(line)
         , file_(file)
-        , lineNo_(lineNo)
-    {
-    }
+        , lineNo_(lineNo) {}
 
     [[noreturn]] void fail(const QString& reason) const { throw RegParseError(file_, lineNo_, reason); }
     bool atEnd() const { return pos_ >= line_.size(); }
     QChar peek() const { return atEnd() ? QChar() : line_[pos_]; }
-    void skipBlanks()
-    {
+    void skipBlanks() {
         while (!atEnd() && (peek() == QLatin1Char(' ') || peek() == QLatin1Char('\t')))
             ++pos_;
     }
-    bool take(QChar c)
-    {
+    bool take(QChar c) {
         if (peek() != c)
             return false;
         ++pos_;
@@ -53,8 +48,7 @@ public:
     QStringView rest() const { return line_.mid(pos_); }
 
     // Reads a string whose opening quote is at the cursor, resolving the escapes.
-    QString quoted(const QString& what)
-    {
+    QString quoted(const QString& what) {
         if (!take(QLatin1Char('"')))
             fail(QStringLiteral("%1 must be in double quotes").arg(what));
         QString out;
@@ -94,8 +88,7 @@ private:
     qsizetype pos_ = 0;
 };
 
-QByteArray parseHexBytes(QStringView data, const LineReader& reader)
-{
+QByteArray parseHexBytes(QStringView data, const LineReader& reader) {
     QByteArray bytes;
     for (QStringView part : data.split(QLatin1Char(','))) {
         part = part.trimmed();
@@ -112,8 +105,7 @@ QByteArray parseHexBytes(QStringView data, const LineReader& reader)
 
 // A hex(1) value is a text value spelled out as bytes: UTF-16LE in version 5 files, the 8-bit code
 // page in REGEDIT4 files; either ends with a terminating zero, which is not part of the text.
-QString textOfHexString(const QByteArray& bytes, bool unicode)
-{
+QString textOfHexString(const QByteArray& bytes, bool unicode) {
     QString text = unicode ? QStringDecoder(QStringDecoder::Utf16LE).decode(bytes) : decode(bytes);
     while (text.endsWith(QChar(0)))
         text.chop(1);
@@ -126,16 +118,17 @@ RegParseError::RegParseError(QString file, int line, QString reason)
     : std::runtime_error(QStringLiteral("%1:%2: %3").arg(file).arg(line).arg(reason).toStdString())
     , file_(std::move(file))
     , line_(line)
-    , reason_(std::move(reason))
-{
+    , reason_(std::move(reason)) {}
+
+QString RegParseError::message() const {
+    return QStringLiteral("%1, line %2: %3").arg(file_).arg(line_).arg(reason_);
 }
 
-QString RegParseError::message() const { return QStringLiteral("%1, line %2: %3").arg(file_).arg(line_).arg(reason_); }
+bool isBlankRegFile(const QByteArray& bytes) {
+    return decode(bytes).trimmed().isEmpty();
+}
 
-bool isBlankRegFile(const QByteArray& bytes) { return decode(bytes).trimmed().isEmpty(); }
-
-std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& fileName)
-{
+std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& fileName) {
     const QString text = decode(bytes);
     const QList<QStringView> lines = QStringView(text).split(QLatin1Char('\n'));
     std::vector<RegStatement> out;
@@ -169,7 +162,8 @@ std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& f
 
         if (trimmed.startsWith(QLatin1Char('['))) {
             if (!trimmed.endsWith(QLatin1Char(']')) || trimmed.size() < 3)
-                throw RegParseError(fileName, lineNo, QStringLiteral("the key name is not closed with \"]\""));
+                throw RegParseError(fileName, lineNo,
+                                    QStringLiteral("the key name is not closed with \"]\""));
             QStringView path = trimmed.mid(1, trimmed.size() - 2);
             const bool remove = path.startsWith(QLatin1Char('-'));
             if (remove)
@@ -178,8 +172,11 @@ std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& f
                 throw RegParseError(fileName, lineNo, QStringLiteral("the key name is empty"));
             currentKey = path.toString();
             currentKeyDeleted = remove;
-            out.push_back({remove ? RegStatement::Kind::DeleteKey : RegStatement::Kind::CreateKey, *currentKey,
-                           {}, {}, lineNo});
+            out.push_back({remove ? RegStatement::Kind::DeleteKey : RegStatement::Kind::CreateKey,
+                           *currentKey,
+                           {},
+                           {},
+                           lineNo});
             continue;
         }
 
@@ -239,7 +236,8 @@ std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& f
         }
         reader.skipBlanks();
         if (!typed && !reader.atEnd() && reader.peek() != QLatin1Char(';'))
-            reader.fail(QStringLiteral("unexpected text after the value: \"%1\"").arg(reader.rest().toString()));
+            reader.fail(
+                QStringLiteral("unexpected text after the value: \"%1\"").arg(reader.rest().toString()));
         if (defaultValue) {
             st.kind = RegStatement::Kind::Unsupported;
             st.text = QStringLiteral("default value (@)");
@@ -254,8 +252,7 @@ std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& f
     return out;
 }
 
-std::optional<QString> sectionOfKeyPath(const QString& keyPath)
-{
+std::optional<QString> sectionOfKeyPath(const QString& keyPath) {
     if (keyPath.compare(kRegistryRoot, Qt::CaseInsensitive) == 0)
         return QString();
     const qsizetype n = kRegistryRoot.size();
@@ -265,15 +262,13 @@ std::optional<QString> sectionOfKeyPath(const QString& keyPath)
     return std::nullopt;
 }
 
-QString keyPathOfSection(const QString& section)
-{
+QString keyPathOfSection(const QString& section) {
     return section.isEmpty() ? kRegistryRoot : kRegistryRoot + QLatin1Char('\\') + section;
 }
 
 namespace {
 
-QString escaped(const QString& s)
-{
+QString escaped(const QString& s) {
     QString out;
     out.reserve(s.size() + 2);
     for (QChar c : s) {
@@ -299,8 +294,7 @@ QString escaped(const QString& s)
 
 } // namespace
 
-QByteArray serializeRegFile(const RegistryModel& model, const std::optional<QString>& onlySection)
-{
+QByteArray serializeRegFile(const RegistryModel& model, const std::optional<QString>& onlySection) {
     QString text = kRegedit4 + QLatin1String("\n\n");
     const QString only = onlySection ? RegistryModel::fold(*onlySection) : QString();
     for (const QString& section : model.sections()) {
