@@ -1,5 +1,9 @@
 // The real regedit and tarvo programs of the program folder, run as a user would, each with its own
 // settings folder.
+#include "FileRegistryStore.h"
+#include "SettingsKeys.h"
+#include "SettingsLoader.h"
+
 #include <QProcess>
 #include <QStringEncoder>
 #include <QTemporaryDir>
@@ -136,6 +140,25 @@ private slots:
                                                  QStringLiteral("HKEY_CURRENT_USER\\Software")})
                      .status,
                  1);
+    }
+
+    void shippedDefaultsImportAsTheDefaults() {
+        const Run r = run(QStringLiteral("regedit"),
+                          {QStringLiteral("/s"), QStringLiteral(TARVO_PROGRAM_DIR "/tarvo32.reg")});
+        QCOMPARE(r.status, 0);
+        tarvo::FileRegistryStore store(storePath());
+        tarvo::SettingsStore settings(store);
+        tarvo::SettingsRecord record;
+        tarvo::loadAllSettings(settings, record);
+        tarvo::SettingsRecord expected;
+        expected.Scheme = QStringLiteral("*Medium Break"); // the built-in name, as the scheme list spells it
+        QVERIFY(record == expected);
+        QCOMPARE(store.value(tarvo::keys::Exercise, tarvo::keys::ProcrastinateM),
+                 std::optional<QString>(QStringLiteral("5")));
+        QCOMPARE(store.value(tarvo::keys::Micropause, tarvo::keys::DisableEsc2),
+                 std::optional<QString>(QStringLiteral("0")));
+        // Start-up writes the housekeeping keys before the import runs; the import must not touch them.
+        QVERIFY(store.keys(tarvo::keys::Options).isEmpty());
     }
 
     void tarvoReportsABadSettingAndEnds() {
