@@ -3,6 +3,7 @@
 #include "ActivityMonitor.h"
 
 #include <array>
+#include <cstddef>
 
 namespace tarvo {
 
@@ -11,20 +12,20 @@ class FakeActivityMonitor : public ActivityMonitor {
 public:
     void InstallFilter(std::int32_t channel, bool on) override {
         if (channel == 0 || channel == 1)
-            on_[static_cast<size_t>(channel)] = on;
+            on_[static_cast<std::size_t>(channel)] = on;
         ++installCalls_;
     }
     std::int32_t VexGetTime(std::int32_t channel) override {
-        return (channel == 0 || channel == 1) ? stamps_[static_cast<size_t>(channel)] : 0;
+        return (channel == 0 || channel == 1) ? stamps_[static_cast<std::size_t>(channel)] : 0;
     }
 
     void input(int channel, std::int32_t tick) {
-        if (on_[static_cast<size_t>(channel)])
-            stamps_[static_cast<size_t>(channel)] = tick;
+        if (on_[static_cast<std::size_t>(channel)])
+            stamps_[static_cast<std::size_t>(channel)] = tick;
     }
     // Sets a stamp regardless of the switch, e.g. to simulate a value that goes down.
-    void setStamp(int channel, std::int32_t tick) { stamps_[static_cast<size_t>(channel)] = tick; }
-    bool isOn(int channel) const { return on_[static_cast<size_t>(channel)]; }
+    void setStamp(int channel, std::int32_t tick) { stamps_[static_cast<std::size_t>(channel)] = tick; }
+    bool isOn(int channel) const { return on_[static_cast<std::size_t>(channel)]; }
     int installCalls() const { return installCalls_; }
 
 private:

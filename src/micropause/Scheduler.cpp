@@ -1,0 +1,126 @@
+#include "Scheduler.h"
+
+#include "ActivityMonitor.h"
+#include "Checked.h"
+#include "Clock.h"
+#include "SchedulerPort.h"
+#include "SettingsRecord.h"
+#include "Timer.h"
+
+namespace tarvo {
+
+namespace {
+
+constexpr int kMinuteMs = 60000;
+// A change of interval at Apply never brings the next micropause closer than this many minutes.
+constexpr std::int32_t kMinMinutesAfterApply = 2;
+
+} // namespace
+
+Scheduler::Scheduler(const SettingsRecord& settings, SchedulerState& state, const Clock& clock,
+                     ActivityMonitor& monitor, Timer& tMinutes, Timer& tSeconds, SchedulerPort& port)
+    : settings_(settings)
+    , state_(state)
+    , clock_(clock)
+    , monitor_(monitor)
+    , tMinutes_(tMinutes)
+    , tSeconds_(tSeconds)
+    , port_(port) {}
+
+int Scheduler::naturalPauseInterval() const {
+    return checked::mul(settings_.InterruptFor, std::int32_t{1000});
+}
+
+void Scheduler::SetTimers() {
+    tSeconds_.setEnabled(false);
+    tMinutes_.setEnabled(false);
+
+    state_.MicropauseReload = settings_.InterruptEvery;
+    state_.MinutesToMicropause = settings_.InterruptEvery;
+
+    tMinutes_.setInterval(kMinuteMs);
+    tMinutes_.setEnabled(true);
+
+    state_.MinutesToExercise = settings_.EveryM;
+    showMinutesToExercise();
+
+    tSeconds_.setInterval(naturalPauseInterval());
+    tSeconds_.setEnabled(true);
+}
+
+void Scheduler::tMinutes_Timer() {
+    if (state_.ExercisePromptPending) {
+        state_.MinutesToMicropause = checked::sub(state_.MinutesToMicropause, std::int32_t{1});
+        if (state_.MinutesToMicropause == 1 && settings_.AudiblePre)
+            port_.AudibleWarningPre();
+        else if (state_.MinutesToMicropause < 1)
+            port_.TarvoMicropause();
+        return;
+    }
+
+    state_.MinutesToExercise = checked::sub(state_.MinutesToExercise, std::int32_t{1});
+    showMinutesToExercise();
+    // Only the step onto 0 offers a break: a countdown that started below 1 (an interval of 0) runs
+    // on into the negative and never does.
+    if (state_.MinutesToExercise != 0)
+        return;
+    if (settings_.AudibleX)
+        port_.AudibleWarningX();
+    state_.ExercisePromptPending = true;
+    port_.showExercisePrompt();
+}
+
+void Scheduler::tSeconds_Timer() {
+    if (state_.InExerciseBreak)
+        port_.exerciseTick();
+    else if (state_.InMicropause)
+        port_.breakTick();
+    else
+        checkNaturalPause();
+}
+
+void Scheduler::checkNaturalPause() {
+    // Both channels are read on every check, so that each keeps its latest stamp. A stamp that went
+    // down (the tick count wrapped) is no activity for this check, and the next check compares
+    // against it again.
+    bool activitySeen = false;
+    for (std::int32_t channel = 0; channel < 2; ++channel) {
+        const std::int32_t stamp = monitor_.VexGetTime(channel);
+        auto& last = state_.LastActivityTimes[static_cast<std::size_t>(channel)];
+        if (stamp > last)
+            activitySeen = true;
+        last = stamp;
+    }
+    if (activitySeen)
+        return;
+
+    // No input for a whole check interval, which is one micropause length: the user has taken a
+    // micropause of their own. The text is kept up to date whether or not it resets the countdown;
+    // with IntelliReset a long absence holds the countdown at its full value.
+    port_.showVoluntaryStatus(QStringLiteral("Last natural micropause: ") + formatHhNn(clock_.localNow()));
+    if (settings_.IntelliReset)
+        state_.MinutesToMicropause = state_.MicropauseReload;
+}
+
+void Scheduler::ApplyOptions() {
+    tSeconds_.setEnabled(false);
+    tSeconds_.setInterval(naturalPauseInterval());
+    tSeconds_.setEnabled(true);
+
+    const std::int32_t change = checked::sub(settings_.InterruptEvery, state_.MicropauseReload);
+    state_.MinutesToMicropause = checked::add(state_.MinutesToMicropause, change);
+    if (state_.MinutesToMicropause < kMinMinutesAfterApply)
+        state_.MinutesToMicropause = kMinMinutesAfterApply;
+    state_.MicropauseReload = settings_.InterruptEvery;
+
+    if (state_.MinutesToExercise > settings_.EveryM)
+        state_.MinutesToExercise = settings_.EveryM;
+}
+
+void Scheduler::showMinutesToExercise() {
+    // The number shown is one less than the counter: the minute that is running is not counted.
+    const std::int32_t shown = checked::sub(state_.MinutesToExercise, std::int32_t{1});
+    port_.showExerciseStatus(QStringLiteral("Next Exercise Break: %1 minutes").arg(shown));
+}
+
+} // namespace tarvo

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "SchedulerState.h"
+
+#include <QString>
+
+#include <cstdint>
+
+namespace tarvo {
+
+class ActivityMonitor;
+class Clock;
+class SchedulerPort;
+class Timer;
+struct SettingsRecord;
+
+// Decides when a micropause and when an exercise break are due. It is driven by the main form's two
+// timers, tMinutes (once a minute) and tSeconds (the natural-pause check every InterruptFor seconds,
+// the break screen's 100 ms tick, or the exercise break's one-second tick), and re-arms them itself;
+// it owns no timer and needs no display. What happens when something is due goes through the port.
+//
+// Each minute tick advances exactly one countdown: the exercise countdown while no exercise prompt is
+// up, the micropause countdown while it is. The two never move on the same tick.
+//
+// All counter arithmetic is checked: an overflow is run-time error 6 and leaves the handler, like any
+// other error of a tick; nothing here catches.
+class Scheduler {
+public:
+    Scheduler(const SettingsRecord& settings, SchedulerState& state, const Clock& clock,
+              ActivityMonitor& monitor, Timer& tMinutes, Timer& tSeconds, SchedulerPort& port);
+    Scheduler(const Scheduler&) = delete;
+    Scheduler& operator=(const Scheduler&) = delete;
+
+    // (Re)starts the whole schedule from the settings: both countdowns from their full intervals,
+    // tMinutes every minute and tSeconds on the natural-pause check. Called at the end of start-up
+    // and when an exercise break starts and ends.
+    void SetTimers();
+
+    // The timers' tick handlers; nothing else calls them.
+    void tMinutes_Timer();
+    void tSeconds_Timer();
+
+    // The options dialog's Apply, once the new InterruptFor, InterruptEvery and EveryM are in the
+    // record. The schedule keeps running rather than restarting: tSeconds gets the new check interval,
+    // the minutes to the next micropause move by the change of interval but never come closer than 2,
+    // and the minutes to the next exercise prompt are lowered to the new interval, never raised.
+    void ApplyOptions();
+
+    // The tSeconds interval between breaks: InterruptFor seconds, in milliseconds. The break screen
+    // re-arms tSeconds with it when a micropause ends.
+    int naturalPauseInterval() const;
+
+private:
+    void checkNaturalPause();
+    void showMinutesToExercise();
+
+    const SettingsRecord& settings_;
+    SchedulerState& state_;
+    const Clock& clock_;
+    ActivityMonitor& monitor_;
+    Timer& tMinutes_;
+    Timer& tSeconds_;
+    SchedulerPort& port_;
+};
+
+} // namespace tarvo
