@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QProcess>
+#include <QStandardPaths>
+#include <QStringList>
+
+// A private Xvfb for one test: it picks a free display number itself (-displayfd) and ends with the test.
+// -noreset: by default the server resets whenever its last client leaves, and refuses connections
+// meanwhile, which would fail the next connection at random.
+class XvfbServer {
+public:
+    static bool installed() { return !QStandardPaths::findExecutable(QStringLiteral("Xvfb")).isEmpty(); }
+
+    // Starts the server; false if it does not come up within a few seconds. Extra arguments are passed on.
+    bool start(const QStringList& extraArguments = {}) {
+        process_.setProcessChannelMode(QProcess::SeparateChannels);
+        process_.setStandardErrorFile(QProcess::nullDevice());
+        process_.start(QStringLiteral("Xvfb"),
+                       QStringList{QStringLiteral("-displayfd"), QStringLiteral("1"),
+                                   QStringLiteral("-screen"), QStringLiteral("0"),
+                                   QStringLiteral("640x480x24"), QStringLiteral("-noreset"),
+                                   QStringLiteral("-nolisten"), QStringLiteral("tcp")} +
+                           extraArguments);
+        // The number arrives once the server accepts connections.
+        while (!process_.canReadLine()) {
+            if (!process_.waitForReadyRead(10000))
+                return false;
+        }
+        display_ = QByteArray(":") + process_.readLine().trimmed();
+        return display_.size() > 1;
+    }
+
+    void stop() {
+        if (process_.state() == QProcess::NotRunning)
+            return;
+        process_.terminate();
+        if (!process_.waitForFinished(5000)) {
+            process_.kill();
+            process_.waitForFinished(5000);
+        }
+    }
+
+    ~XvfbServer() { stop(); }
+
+    const QByteArray& display() const { return display_; }
+
+private:
+    QProcess process_;
+    QByteArray display_;
+};
