@@ -1,37 +1,92 @@
 #include "frmTarvo.h"
 
+#include "BlackCover.h"
+#include "BreakLayout.h"
+#include "PictureBox.h"
 #include "Timer.h"
+#include "Warnings.h"
 #include "ui_frmTarvo.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QScreen>
 
 namespace tarvo {
 
+namespace {
+
+// Calm colours for the break: a deep slate panel, soft light text, a teal bar on a darker track.
+const QColor kPanel(0x1d, 0x28, 0x30);
+const QColor kMessage(0xee, 0xf3, 0xf5);
+const QColor kHint(0x8d, 0xa1, 0xad);
+constexpr OleColor kBarLit = 0x00AABA5Eu;   // RGB 94, 186, 170
+constexpr OleColor kBarTrack = 0x00473D2Du; // RGB 45, 61, 71
+
+// Label captions treat "&" as the mark of an access key, so a literal ampersand is written "&&".
+QString captionText(const QString& caption) {
+    QString out;
+    out.reserve(caption.size());
+    for (qsizetype i = 0; i < caption.size(); ++i) {
+        if (caption[i] == QLatin1Char('&') && i + 1 < caption.size())
+            ++i;
+        out += caption[i];
+    }
+    return out;
+}
+
+} // namespace
+
 frmTarvo::frmTarvo(const SettingsRecord& settings, SchedulerState& state, const Clock& clock,
-                   ActivityMonitor& monitor, TimerFactory& timers, QWidget* parent)
+                   ActivityMonitor& monitor, TimerFactory& timers, Warnings& warnings, QWidget* parent)
     : QWidget(parent)
     , ui(std::make_unique<Ui::frmTarvo>())
+    , warnings_(warnings)
     , tMinutes_(timers.createTimer())
     , tSeconds_(timers.createTimer())
-    , scheduler_(settings, state, clock, monitor, *tMinutes_, *tSeconds_, *this) {
+    , scheduler_(settings, state, clock, monitor, *tMinutes_, *tSeconds_, *this)
+    , break_(settings, state, scheduler_, *tSeconds_, bar_, warnings, *this, clock) {
     ui->setupUi(this);
     connect(ui->cmdOK, &QPushButton::clicked, this, &frmTarvo::cmdOK_Click);
+    connect(ui->cmdCancel, &QPushButton::clicked, this, &frmTarvo::cmdCancel_Click);
+    ui->lblESC->installEventFilter(this);
+
+    ui->picBlack->setStyleSheet(
+        QStringLiteral("QFrame#picBlack { background-color: %1; border-radius: 18px; }").arg(kPanel.name()));
+    ui->lblWarning->setStyleSheet(QStringLiteral("color: %1;").arg(kMessage.name()));
+    ui->lblESC->setStyleSheet(QStringLiteral("color: %1;").arg(kHint.name()));
+    ui->picPB->setFrameShape(QFrame::NoFrame);
+    bar_.setCanvas(ui->picPB);
+    bar_.setForeColor(kBarLit);
+    bar_.setBackColor(kBarTrack);
+    connect(ui->picPB, &PictureBox::Resize, this, [this] { bar_.ResizeEx(); });
+    applyBreakLayout(designedBreakLayout(), false);
+
     // The timers stay off until start-up calls SetTimers.
     tMinutes_->setHandler([this] { scheduler_.tMinutes_Timer(); });
     tSeconds_->setHandler([this] { scheduler_.tSeconds_Timer(); });
 }
 
-frmTarvo::~frmTarvo() = default;
+frmTarvo::~frmTarvo() {
+    for (const QPointer<BlackCover>& cover : covers_)
+        delete cover.data();
+}
+
+void frmTarvo::setWarning(const QString& text) {
+    ui->lblWarning->setText(captionText(text));
+}
 
 void frmTarvo::TarvoMicropause() {
-    emit micropauseDue();
+    break_.TarvoMicropause();
 }
 void frmTarvo::breakTick() {
-    emit breakTicked();
+    break_.breakTick();
 }
 void frmTarvo::AudibleWarningPre() {
-    emit preWarningDue();
+    warnings_.AudibleWarningPre();
 }
 void frmTarvo::AudibleWarningX() {
-    emit exerciseWarningDue();
+    warnings_.AudibleWarningX();
 }
 void frmTarvo::showExercisePrompt() {
     emit exercisePromptDue();
@@ -39,18 +94,159 @@ void frmTarvo::showExercisePrompt() {
 void frmTarvo::exerciseTick() {
     emit exerciseTicked();
 }
-
 void frmTarvo::showExerciseStatus(const QString& text) {
     ui->lblExercise->setText(text);
 }
 void frmTarvo::showVoluntaryStatus(const QString& text) {
     ui->lblvoluntary->setText(text);
 }
+void frmTarvo::showLastMicropause(const QString& text) {
+    ui->lbltarvo->setText(text);
+}
+
+void frmTarvo::applyBreakLayout(const BreakLayout& l, bool blank) {
+    ui->picBlack->resize(l.panel);
+    ui->layPanel->setContentsMargins(l.margin, l.margin / 2, l.margin, l.margin / 2);
+    ui->layPanel->setSpacing(l.margin / 2);
+    QFont message = font();
+    message.setPixelSize(l.messagePx);
+    ui->lblWarning->setFont(message);
+    QFont hint = font();
+    hint.setPixelSize(l.hintPx);
+    ui->lblESC->setFont(hint);
+    ui->picPB->setFixedHeight(l.barHeight);
+    // Alone at its designed size the panel is the whole window; on a blanked screen it floats, rounded.
+    ui->picBlack->setStyleSheet(
+        QStringLiteral("QFrame#picBlack { background-color: %1; border-radius: %2px; }")
+            .arg(kPanel.name())
+            .arg(blank ? l.margin / 3 : 0));
+}
+
+void frmTarvo::setBackground(const QColor& color) {
+    setAutoFillBackground(color.isValid());
+    QPalette p = palette();
+    p.setColor(QPalette::Window,
+               color.isValid() ? color : QGuiApplication::palette().color(QPalette::Window));
+    setPalette(p);
+}
+
+void frmTarvo::prepareBreak(bool escAllowed) {
+    ui->pnlStatus->hide();
+    ui->cmdOK->hide();
+    ui->picPB->show();
+    ui->lblESC->setVisible(escAllowed);
+}
+
+void frmTarvo::presentBreak(bool blank) {
+    QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    const BreakLayout layout = blank ? breakLayoutFor(screen->geometry().size()) : designedBreakLayout();
+    applyBreakLayout(layout, blank);
+    // Flags change only while the form is hidden; a visible window would be re-created.
+    if (!isVisible())
+        setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+    setScreen(screen);
+    if (blank) {
+        setBackground(Qt::black);
+        ui->picBlack->hide();
+        setGeometry(screen->geometry());
+        setWindowState(Qt::WindowFullScreen);
+        Form_Resize();
+        for (QScreen* other : QGuiApplication::screens()) {
+            if (other == screen)
+                continue;
+            auto* cover = new BlackCover(other, [this] { cmdCancel_Click(); });
+            covers_.emplace_back(cover);
+            cover->show();
+            cover->raise();
+        }
+    } else {
+        setBackground(kPanel);
+        setWindowState(Qt::WindowNoState);
+        const QRect area = screen->availableGeometry();
+        setGeometry(QRect(area.x() + (area.width() - layout.panel.width()) / 2,
+                          area.y() + (area.height() - layout.panel.height()) / 2, layout.panel.width(),
+                          layout.panel.height()));
+        Form_Resize();
+    }
+    show();
+    ui->picBlack->show();
+    raise();
+    activateWindow();
+    // Esc must reach the break even when the window manager keeps the focus elsewhere; the grab ends
+    // with the break, and the window the user was typing in has the keyboard again.
+    grabKeyboard();
+    repaint();
+}
+
+void frmTarvo::dismissBreak() {
+    releaseKeyboard();
+    for (const QPointer<BlackCover>& cover : covers_)
+        if (cover)
+            cover->close();
+    covers_.clear();
+    lower();
+    hide();
+    setWindowFlags(Qt::Window);
+    setWindowState(Qt::WindowNoState);
+    setBackground(QColor());
+    ui->picBlack->hide();
+    ui->picPB->hide();
+    ui->pnlStatus->show();
+    ui->cmdOK->show();
+    ui->lblESC->hide();
+    adjustSize();
+}
+
+void frmTarvo::cmdCancel_Click() {
+    break_.cmdCancel_Click();
+}
+
+void frmTarvo::lblESC_DblClick() {
+    cmdCancel_Click();
+}
 
 void frmTarvo::cmdOK_Click() {
     // Shown as the status panel: OK puts it away again, and it comes back in its normal size.
     setWindowState(Qt::WindowNoState);
     hide();
+}
+
+void frmTarvo::Form_Resize() {
+    if (windowState() & Qt::WindowMinimized) {
+        hide();
+        return;
+    }
+    ui->picBlack->move((width() - ui->picBlack->width()) / 2, (height() - ui->picBlack->height()) / 2);
+}
+
+void frmTarvo::keyPressEvent(QKeyEvent* event) {
+    // Esc is the form's cancel key, as a dialog's Cancel button would be.
+    if (event->key() == Qt::Key_Escape) {
+        cmdCancel_Click();
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}
+
+void frmTarvo::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    Form_Resize();
+}
+
+void frmTarvo::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange)
+        Form_Resize();
+}
+
+bool frmTarvo::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == ui->lblESC && event->type() == QEvent::MouseButtonDblClick) {
+        lblESC_DblClick();
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 } // namespace tarvo
