@@ -2,12 +2,14 @@
 // end-to-end test. Prints what happens on standard output, one line per event.
 //   micropause_harness [--seconds N] [--blank 0|1] [--screenshot FILE --at MS]
 //   micropause_harness --busy-window     a plain window that stands for the user's work
+#include "CanberraSoundPlayer.h"
 #include "FakeActivityMonitor.h"
+#include "ProgramFolder.h"
 #include "QtTimer.h"
 #include "SchedulerState.h"
 #include "SettingsRecord.h"
 #include "SystemClock.h"
-#include "Warnings.h"
+#include "WarningSounds.h"
 #include "frmTarvo.h"
 
 #include <QApplication>
@@ -27,11 +29,27 @@ void say(const QString& line) {
     std::fflush(stdout);
 }
 
-struct PrintingWarnings : Warnings {
-    void AudibleWarningPre() override { say(QStringLiteral("pre-warning")); }
-    void AudibleWarning() override { say(QStringLiteral("warning")); }
-    void AudibleWarningX() override { say(QStringLiteral("exercise warning")); }
-    void AudibleNotification() override { say(QStringLiteral("notification")); }
+// The real warnings, announced on standard output as they sound.
+struct AnnouncedWarnings : Warnings {
+    WarningSounds& sounds;
+    explicit AnnouncedWarnings(WarningSounds& s)
+        : sounds(s) {}
+    void AudibleWarningPre() override {
+        sounds.AudibleWarningPre();
+        say(QStringLiteral("pre-warning"));
+    }
+    void AudibleWarning() override {
+        sounds.AudibleWarning();
+        say(QStringLiteral("warning"));
+    }
+    void AudibleWarningX() override {
+        sounds.AudibleWarningX();
+        say(QStringLiteral("exercise warning"));
+    }
+    void AudibleNotification() override {
+        sounds.AudibleNotification();
+        say(QStringLiteral("notification"));
+    }
 };
 
 } // namespace
@@ -64,7 +82,10 @@ int main(int argc, char** argv) {
     SystemClock clock;
     FakeActivityMonitor monitor;
     QtTimerFactory timers;
-    PrintingWarnings warnings;
+    const QString folder = programFolder();
+    CanberraSoundPlayer player(folder + QStringLiteral("/beep.wav"));
+    WarningSounds sounds(settings, player, folder);
+    AnnouncedWarnings warnings(sounds);
     frmTarvo form(settings, state, clock, monitor, timers, warnings);
     form.setWarning(settings.Warning);
     form.scheduler().SetTimers();
@@ -85,19 +106,21 @@ int main(int argc, char** argv) {
             app.quit();
         }
     });
+    // The warning sounds before the screen shows, so the screenshot is timed from the start of the break.
+    const QString shot = args.value(QStringLiteral("screenshot"));
+    const int shotAt = args.value(QStringLiteral("at")).toInt();
     QTimer::singleShot(300, &app, [&] {
         form.TarvoMicropause();
         say(QStringLiteral("started"));
         watch.start(20);
-    });
-    const QString shot = args.value(QStringLiteral("screenshot"));
-    if (!shot.isEmpty()) {
-        QTimer::singleShot(300 + args.value(QStringLiteral("at")).toInt(), &app, [&] {
+        if (shot.isEmpty())
+            return;
+        QTimer::singleShot(shotAt, &app, [&] {
             QScreen* screen = QGuiApplication::primaryScreen();
             const QRect all = screen->virtualGeometry();
             screen->grabWindow(0, all.x(), all.y(), all.width(), all.height()).save(shot);
             say(QStringLiteral("screenshot ") + shot);
         });
-    }
+    });
     return app.exec();
 }
