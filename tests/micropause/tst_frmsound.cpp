@@ -7,7 +7,6 @@
 
 #include <QPushButton>
 #include <QRadioButton>
-#include <QScreen>
 #include <QtTest>
 
 using namespace tarvo;
@@ -23,24 +22,24 @@ SettingsRecord threePaths() {
     return settings;
 }
 
-// The field each mode edits.
-QString SettingsRecord::*const kField[] = {&SettingsRecord::WarningSound, &SettingsRecord::WarningSoundX,
-                                           &SettingsRecord::WarningSoundPre};
+// The form with a scripted file dialog, and its controls.
+struct Form {
+    Form(SettingsRecord& settings, int mode)
+        : form(settings, mode, dialog) {}
+    template <typename T>
+    T* child(const char* name) const {
+        return form.findChild<T*>(QLatin1String(name));
+    }
+    QRadioButton* beeps() const { return child<QRadioButton>("optType_0"); }
+    QRadioButton* file() const { return child<QRadioButton>("optType_1"); }
+    void click(const char* button) const { child<QPushButton>(button)->click(); }
+    void choose(const QString& path) {
+        dialog.chooseNext(path);
+        click("cmdSound");
+    }
 
-struct Controls {
-    explicit Controls(const frmSound& form)
-        : beeps(form.findChild<QRadioButton*>(QStringLiteral("optType_0")))
-        , file(form.findChild<QRadioButton*>(QStringLiteral("optType_1")))
-        , cmdSound(form.findChild<QPushButton*>(QStringLiteral("cmdSound")))
-        , cmdOK(form.findChild<QPushButton*>(QStringLiteral("cmdOK")))
-        , cmdCancel(form.findChild<QPushButton*>(QStringLiteral("cmdCancel"))) {}
-    bool found() const { return beeps && file && cmdSound && cmdOK && cmdCancel; }
-
-    QRadioButton* beeps;
-    QRadioButton* file;
-    QPushButton* cmdSound;
-    QPushButton* cmdOK;
-    QPushButton* cmdCancel;
+    ScriptedFileDialog dialog;
+    frmSound form;
 };
 
 } // namespace
@@ -49,163 +48,87 @@ class TestFrmSound : public QObject {
     Q_OBJECT
 
 private slots:
-    void modeChoosesTheWarning_data() {
-        QTest::addColumn<int>("mode");
-        QTest::addColumn<QString>("caption");
-        QTest::newRow("0: micropause") << 0 << "Sound card (start.wav)";
-        QTest::newRow("1: exercise") << 1 << "Sound card (exercise.wav)";
-        QTest::newRow("2: pre-warning") << 2 << "Sound card (pre.wav)";
-    }
+    // Modes 0, 1 and 2 show and edit WarningSound, WarningSoundX and WarningSoundPre.
     void modeChoosesTheWarning() {
-        QFETCH(int, mode);
-        QFETCH(QString, caption);
-        SettingsRecord settings = threePaths();
-        const SettingsRecord before = settings;
-        ScriptedFileDialog dialog;
-        frmSound form(settings, mode, dialog);
-        const Controls c(form);
-        QVERIFY(c.found());
-        QCOMPARE(form.windowTitle(), QStringLiteral("Sound warning"));
-        QCOMPARE(c.beeps->text(), QStringLiteral("Standard computer beeps"));
-        QVERIFY(c.file->isChecked() && !c.beeps->isChecked());
-        QCOMPARE(c.file->text(), caption);
+        QString SettingsRecord::*const field[] = {
+            &SettingsRecord::WarningSound, &SettingsRecord::WarningSoundX, &SettingsRecord::WarningSoundPre};
+        const char* const caption[] = {"Sound card (start.wav)", "Sound card (exercise.wav)",
+                                       "Sound card (pre.wav)"};
+        for (int mode = 0; mode < 3; ++mode) {
+            SettingsRecord settings = threePaths();
+            Form f(settings, mode);
+            QVERIFY(f.beeps() && f.file() && f.child<QPushButton>("cmdSound") &&
+                    f.child<QPushButton>("cmdOK"));
+            QVERIFY(f.file()->isChecked() && !f.beeps()->isChecked());
+            QCOMPARE(f.file()->text(), QLatin1String(caption[mode]));
 
-        dialog.chooseNext(QStringLiteral("/home/u/Music/gong.wav"));
-        c.cmdSound->click();
-        QCOMPARE(c.file->text(), QStringLiteral("Sound card (gong.wav)"));
-        QCOMPARE(dialog.requests().size(), 1u);
-        const FileDialog::OpenRequest& asked = dialog.requests().front();
-        QCOMPARE(asked.title, QStringLiteral("Select warning sound"));
-        QCOMPARE(asked.defaultExtension, QStringLiteral(".wav"));
-        QCOMPARE(asked.filter, QStringLiteral("Audio|*.wav|All files|*.*"));
-        QVERIFY(asked.fileMustExist);
-        c.cmdOK->click();
-        QCOMPARE(form.result(), int(QDialog::Accepted));
-        SettingsRecord expected = before;
-        expected.*kField[mode] = QStringLiteral("/home/u/Music/gong.wav");
-        QVERIFY(settings == expected); // the other two warnings keep theirs
+            f.choose(QStringLiteral("/home/u/Music/gong.wav"));
+            QCOMPARE(f.file()->text(), QStringLiteral("Sound card (gong.wav)"));
+            QCOMPARE(f.dialog.requests().size(), 1u);
+            QCOMPARE(f.dialog.requests().front().filter, QStringLiteral("Audio|*.wav|All files|*.*"));
+            QVERIFY(f.dialog.requests().front().fileMustExist);
+            f.click("cmdOK");
+            QCOMPARE(f.form.result(), int(QDialog::Accepted));
+            SettingsRecord expected = threePaths(); // the other two warnings keep theirs
+            expected.*field[mode] = QStringLiteral("/home/u/Music/gong.wav");
+            QVERIFY2(settings == expected, caption[mode]);
+        }
     }
 
-    void emptyPathShowsBeeps() {
-        SettingsRecord settings = threePaths();
-        settings.WarningSoundX.clear();
-        const SettingsRecord before = settings;
-        ScriptedFileDialog dialog;
-        frmSound form(settings, 1, dialog);
-        const Controls c(form);
-        QVERIFY(c.beeps->isChecked() && !c.file->isChecked());
-        QCOMPARE(c.file->text(), QStringLiteral("Sound card audio file"));
-        c.cmdOK->click();
-        QVERIFY(settings == before);
+    // An empty path shows beeps; a mode that names no warning shows beeps and, even with a file
+    // chosen, stores nothing.
+    void beepsWhenThereIsNoFile() {
+        for (const int mode : {1, 7, -1}) {
+            SettingsRecord settings = threePaths();
+            if (mode == 1)
+                settings.WarningSoundX.clear();
+            const SettingsRecord before = settings;
+            Form f(settings, mode);
+            QVERIFY(f.beeps()->isChecked() && !f.file()->isChecked());
+            QCOMPARE(f.file()->text(), QStringLiteral("Sound card audio file"));
+            if (mode != 1) {
+                f.choose(QStringLiteral("/tmp/chime.wav"));
+                QCOMPARE(f.file()->text(), QStringLiteral("Sound card (chime.wav)"));
+            }
+            f.click("cmdOK");
+            QVERIFY2(settings == before, qPrintable(QString::number(mode)));
+        }
     }
 
-    // A file chosen and then given up for beeps in the same visit: OK empties the path. Going back to
-    // the file before OK still has it.
+    // A file chosen and then given up for beeps: OK empties the path, unless the file is taken back.
     void beepsAfterChoosingAFile() {
-        SettingsRecord settings = threePaths();
-        ScriptedFileDialog dialog;
-        frmSound form(settings, 2, dialog);
-        const Controls c(form);
-        dialog.chooseNext(QStringLiteral("/tmp/chime.wav"));
-        c.cmdSound->click();
-        c.beeps->click();
-        QVERIFY(!c.file->isChecked());
-        c.cmdOK->click();
-        QCOMPARE(settings.WarningSoundPre, QString());
-
-        SettingsRecord again = threePaths();
-        frmSound second(again, 2, dialog);
-        const Controls d(second);
-        dialog.chooseNext(QStringLiteral("/tmp/chime.wav"));
-        d.cmdSound->click();
-        d.beeps->click();
-        d.file->click();
-        d.cmdOK->click();
-        QCOMPARE(again.WarningSoundPre, QStringLiteral("/tmp/chime.wav"));
+        for (const bool takenBack : {false, true}) {
+            SettingsRecord settings = threePaths();
+            Form f(settings, 2);
+            f.choose(QStringLiteral("/tmp/chime.wav"));
+            f.beeps()->click();
+            QVERIFY(!f.file()->isChecked());
+            if (takenBack)
+                f.file()->click();
+            f.click("cmdOK");
+            QCOMPARE(settings.WarningSoundPre, takenBack ? QStringLiteral("/tmp/chime.wav") : QString());
+        }
     }
 
     void cancelsChangeNothing() {
         SettingsRecord settings = threePaths();
-        ScriptedFileDialog dialog;
-        frmSound form(settings, 0, dialog);
-        const Controls c(form);
-        // Cancelling the file dialog leaves the form as it was.
-        dialog.cancelNext();
-        c.cmdSound->click();
-        QVERIFY(c.file->isChecked());
-        QCOMPARE(c.file->text(), QStringLiteral("Sound card (start.wav)"));
-        // A file chosen and then the form cancelled: the record keeps its old path.
-        dialog.chooseNext(QStringLiteral("/tmp/other.wav"));
-        c.cmdSound->click();
-        c.cmdCancel->click();
-        QCOMPARE(form.result(), int(QDialog::Rejected));
+        Form f(settings, 0);
+        f.dialog.cancelNext();
+        f.click("cmdSound");
+        QVERIFY(f.file()->isChecked());
+        QCOMPARE(f.file()->text(), QStringLiteral("Sound card (start.wav)"));
+        f.choose(QStringLiteral("/tmp/other.wav"));
+        f.click("cmdCancel");
+        QCOMPARE(f.form.result(), int(QDialog::Rejected));
         QVERIFY(settings == threePaths());
     }
 
-    // An unknown mode edits nothing: beeps are shown, a file can be chosen, OK stores nothing.
-    void unknownModeStoresNothing_data() {
-        QTest::addColumn<int>("mode");
-        QTest::newRow("7") << 7;
-        QTest::newRow("-1") << -1;
-    }
-    void unknownModeStoresNothing() {
-        QFETCH(int, mode);
-        SettingsRecord settings = threePaths();
-        ScriptedFileDialog dialog;
-        frmSound form(settings, mode, dialog);
-        const Controls c(form);
-        QVERIFY(c.beeps->isChecked());
-        QCOMPARE(c.file->text(), QStringLiteral("Sound card audio file"));
-        dialog.chooseNext(QStringLiteral("/tmp/chime.wav"));
-        c.cmdSound->click();
-        QCOMPARE(c.file->text(), QStringLiteral("Sound card (chime.wav)"));
-        c.cmdOK->click();
-        QVERIFY(settings == threePaths());
-    }
-
-    void centredOnTheScreen() {
-        SettingsRecord settings = threePaths();
-        ScriptedFileDialog dialog;
-        frmSound form(settings, 0, dialog);
-        const QRect screen = form.screen()->geometry();
-        QVERIFY(form.width() < screen.width() && form.height() < screen.height());
-        QCOMPARE(form.x(), screen.x() + (screen.width() - form.width()) / 2);
-        QCOMPARE(form.y(), screen.y() + (screen.height() - form.height()) / 2);
-    }
-
-    void filenameOnly_data() {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("name");
-        QTest::newRow("absolute") << "/home/u/Music/gong.wav"
-                                  << "gong.wav";
-        QTest::newRow("bare name") << "gong.wav"
-                                   << "gong.wav";
-        QTest::newRow("trailing slash") << "/home/u/"
-                                        << "";
-        QTest::newRow("backslashes are no separator here") << "C:\\Media\\gong.wav"
-                                                           << "C:\\Media\\gong.wav";
-        QTest::newRow("empty") << ""
-                               << "";
-    }
-    void filenameOnly() {
-        QFETCH(QString, path);
-        QFETCH(QString, name);
-        QCOMPARE(frmSound::filenameOnly(path), name);
-    }
-
-    void filterForQt_data() {
-        QTest::addColumn<QString>("filter");
-        QTest::addColumn<QStringList>("qt");
-        QTest::newRow("sound") << "Audio|*.wav|All files|*.*"
-                               << QStringList{"Audio (*.wav)", "All files (*)"};
-        QTest::newRow("several patterns") << "Media|*.avi; *.bmp" << QStringList{"Media (*.avi *.bmp)"};
-        QTest::newRow("description without patterns") << "Audio|*.wav|Odd" << QStringList{"Audio (*.wav)"};
-        QTest::newRow("none") << "" << QStringList{};
-    }
     void filterForQt() {
-        QFETCH(QString, filter);
-        QFETCH(QStringList, qt);
-        QCOMPARE(QtFileDialog::nameFilters(filter), qt);
+        QCOMPARE(QtFileDialog::nameFilters(QStringLiteral("Audio|*.wav|All files|*.*")),
+                 QStringList({QStringLiteral("Audio (*.wav)"), QStringLiteral("All files (*)")}));
+        QCOMPARE(QtFileDialog::nameFilters(QStringLiteral("Media|*.avi; *.bmp|Odd")),
+                 QStringList{QStringLiteral("Media (*.avi *.bmp)")});
+        QCOMPARE(QtFileDialog::nameFilters(QString()), QStringList());
     }
 };
 
