@@ -13,8 +13,6 @@ using namespace tarvo;
 
 namespace {
 
-void (Warnings::*const kWarning[])() = {&Warnings::AudibleWarningPre, &Warnings::AudibleWarning,
-                                        &Warnings::AudibleWarningX, &Warnings::AudibleNotification};
 const QString kFolder = QStringLiteral("/opt/tarvo");
 const QString kBeepFile = QStringLiteral(TARVO_PROGRAM_DIR "/beep.wav");
 
@@ -39,40 +37,45 @@ private slots:
 
     // Without files, each warning's beeps and pauses; with files, the file in the warning's own mode
     // and nothing else. The notification has no file and beeps whatever the others have.
-    void beepsOrFiles_data() {
-        QTest::addColumn<int>("which");
-        QTest::addColumn<QStringList>("beeps");
-        QTest::addColumn<int>("lasts");
-        QTest::addColumn<QString>("withFiles");
-        QTest::newRow("pre-warning") << 0 << QStringList{"beep @0", "beep @250", "beep @500", "beep @750"}
-                                     << 1000 << "sync /snd/pre.wav @0";
-        QTest::newRow("micropause") << 1 << QStringList{"beep @0", "beep @166", "beep @1165", "beep @2164"}
-                                    << 4162 << "sync /snd/start.wav @0";
-        QTest::newRow("exercise") << 2 << QStringList{"beep @0",    "beep @166",  "beep @332", "beep @498",
-                                                      "beep @1497", "beep @2496", "beep @3495"}
-                                  << 5493 << "async /snd/exercise.wav @0";
-        QTest::newRow("notification") << 3 << QStringList{"beep @0"} << 0 << "beep @0";
-    }
     void beepsOrFiles() {
-        QFETCH(int, which);
-        QFETCH(QStringList, beeps);
-        QFETCH(int, lasts);
-        QFETCH(QString, withFiles);
-        SettingsRecord settings;
-        RecordingSoundPlayer player;
-        WarningSounds warnings(settings, player, kFolder);
-        (warnings.*kWarning[which])();
-        QCOMPARE(player.log(), beeps);
-        QCOMPARE(player.elapsed(), lasts);
+        struct Case {
+            void (Warnings::*warning)();
+            QStringList beeps;
+            int lasts;
+            QString withFiles;
+        };
+        const Case cases[] = {
+            {&Warnings::AudibleWarningPre,
+             {"beep @0", "beep @250", "beep @500", "beep @750"},
+             1000,
+             "sync /snd/pre.wav @0"},
+            {&Warnings::AudibleWarning,
+             {"beep @0", "beep @166", "beep @1165", "beep @2164"},
+             4162,
+             "sync /snd/start.wav @0"},
+            {&Warnings::AudibleWarningX,
+             {"beep @0", "beep @166", "beep @332", "beep @498", "beep @1497", "beep @2496", "beep @3495"},
+             5493,
+             "async /snd/exercise.wav @0"},
+            {&Warnings::AudibleNotification, {"beep @0"}, 0, "beep @0"},
+        };
+        for (const Case& c : cases) {
+            SettingsRecord settings;
+            RecordingSoundPlayer player;
+            WarningSounds warnings(settings, player, kFolder);
+            (warnings.*c.warning)();
+            QCOMPARE(player.log(), c.beeps);
+            QCOMPARE(player.elapsed(), c.lasts);
 
-        settings.WarningSoundPre = QStringLiteral("/snd/pre.wav");
-        settings.WarningSound = QStringLiteral("/snd/start.wav");
-        settings.WarningSoundX = QStringLiteral("/snd/exercise.wav");
-        RecordingSoundPlayer filePlayer;
-        WarningSounds withFile(settings, filePlayer, kFolder);
-        (withFile.*kWarning[which])();
-        QCOMPARE(filePlayer.log(), QStringList{withFiles});
-        QCOMPARE(filePlayer.elapsed(), 0);
+            settings.WarningSoundPre = QStringLiteral("/snd/pre.wav");
+            settings.WarningSound = QStringLiteral("/snd/start.wav");
+            settings.WarningSoundX = QStringLiteral("/snd/exercise.wav");
+            RecordingSoundPlayer filePlayer;
+            WarningSounds withFile(settings, filePlayer, kFolder);
+            (withFile.*c.warning)();
+            QCOMPARE(filePlayer.log(), QStringList{c.withFiles});
+            QCOMPARE(filePlayer.elapsed(), 0);
+        }
     }
 
     // A bare name (even a blank or a Windows path) is looked up in the program folder; a path with a
