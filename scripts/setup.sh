@@ -6,9 +6,11 @@ set -euo pipefail
 packages=(
     g++ cmake ninja-build clang-format          # tool chain
     qt6-base-dev qt6-base-dev-tools             # Qt Core, Gui, Widgets, Test; moc, uic
+    qt6-svg-dev                                 # Qt SVG: its icon engine draws the program icon
     pkg-config libxcb1-dev libxcb-xinput-dev    # the activity monitor's X connection (XInput 2)
     libx11-dev libxtst-dev                      # the activity monitor benchmark's XTEST input load
     xvfb xdotool                                # X11 tests: a private X server and input through XTEST
+    trayer openbox x11-utils x11-xserver-utils  # X11 tests: tray host, window manager, xprop/xwininfo, xrandr
     libcanberra-dev libcanberra-pulse sound-theme-freedesktop # warning sounds, and the theme's "bell"
     pulseaudio pulseaudio-utils sox             # sound tests: a private server with a null sink, parec; sox to inspect recordings
 )

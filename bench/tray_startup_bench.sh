@@ -1,0 +1,83 @@
+#!/usr/bin/env bash
+# Measures the running program under Xvfb with trayer, from a fresh profile: time from exec to the
+# tray icon docking (on a warm X server, after one start that takes the first-run import), PSS of the
+# process after 15 s, and CPU time and voluntary context switches over 60 s with no input.
+#   bench/tray_startup_bench.sh [program folder]      (default: build/bin)
+set -euo pipefail
+bin=$(cd "${1:-$(dirname "$0")/../build/bin}" && pwd)
+work=$(mktemp -d)
+pids=()
+cleanup() {
+    for p in "${pids[@]}"; do kill -9 "$p" 2>/dev/null || true; done
+    wait 2>/dev/null || true
+    rm -rf "$work"
+}
+trap cleanup EXIT
+export QT_QPA_PLATFORM=xcb HOME=$work/home XDG_CONFIG_HOME=$work/config XDG_RUNTIME_DIR=$work/runtime
+mkdir -p "$HOME" "$XDG_RUNTIME_DIR" && chmod 700 "$XDG_RUNTIME_DIR"
+
+Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset 3>"$work/display" 2>/dev/null &
+pids+=($!)
+for _ in $(seq 100); do [ -s "$work/display" ] && break; sleep 0.1; done
+export DISPLAY=":$(cat "$work/display")"
+trayer --edge top --align right --widthtype request --height 24 >/dev/null 2>&1 &
+pids+=($!)
+for _ in $(seq 100); do xdotool search --class trayer >/dev/null 2>&1 && break; sleep 0.1; done
+# One session bus for every start, as on a desktop (the tray icon looks for a watcher on it first).
+eval "$(dbus-daemon --session --fork --print-address=1 --print-pid=1 --nopidfile |
+    { read -r a && read -r p && echo "export DBUS_SESSION_BUS_ADDRESS=$a; pids+=($p)"; })"
+
+docked() { # <pid>: a window of the process sits inside trayer's panel
+    local w p
+    for w in $(xdotool search --pid "$1" 2>/dev/null); do
+        p=$w
+        for _ in 1 2 3 4 5 6; do
+            p=$(xwininfo -children -id "$p" 2>/dev/null | awk '/Parent window id/{print $4}')
+            [ -n "$p" ] && [ "$((p))" != 0 ] || break # window 0 would make xwininfo wait for a click
+            xprop -id "$p" WM_CLASS 2>/dev/null | grep -q '"trayer"' && return 0
+        done
+    done
+    return 1
+}
+
+run_until_docked() { # starts tarvo, prints ms until its icon docked
+    local start end
+    start=$(date +%s%N)
+    "$bin/tarvo" >/dev/null 2>"$work/tarvo.err" &
+    tarvo_pid=$!
+    until docked "$tarvo_pid"; do sleep 0.002; done
+    end=$(date +%s%N)
+    echo $(((end - start) / 1000000))
+}
+
+# The first start of a fresh profile imports the defaults (and tries the media program); the figure
+# that matters is a normal start on a warm X server.
+first=$(run_until_docked)
+"$bin/tarvo" shutdown
+sleep 1
+times=()
+for _ in 1 2 3 4 5; do
+    times+=("$(run_until_docked)")
+    "$bin/tarvo" shutdown
+    sleep 0.5
+done
+median=$(printf '%s\n' "${times[@]}" | sort -n | sed -n 3p)
+
+run_until_docked >/dev/null
+pid=$tarvo_pid
+sleep 15
+pss=$(awk '/^Pss:/{print $2}' "/proc/$pid/smaps_rollup")
+
+# CPU time in nanoseconds over all threads (the scheduler's own account, finer than clock ticks).
+cpu_ns() { cat /proc/"$pid"/task/*/schedstat | awk '{n += $1} END{printf "%d", n}'; }
+switches() { cat /proc/"$pid"/task/*/status | awk '/^voluntary_ctxt_switches/{n += $2} END{print n}'; }
+c0=$(cpu_ns)
+s0=$(switches)
+sleep 60
+c1=$(cpu_ns)
+s1=$(switches)
+"$bin/tarvo" shutdown
+
+echo "time from exec to docked icon: first start ${first} ms (fresh profile, first-run import); warm starts ${times[*]} ms, median ${median} ms"
+echo "PSS after 15 s: $((pss / 1024)).$(((pss % 1024) * 10 / 1024)) MiB"
+echo "idle 60 s: CPU $(awk "BEGIN{printf \"%.2f\", ($c1 - $c0) / 1e6}") ms, voluntary context switches $((s1 - s0)) ($(awk "BEGIN{printf \"%.2f\", ($s1 - $s0) / 60}")/s)"

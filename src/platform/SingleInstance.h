@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+namespace tarvo {
+
+// One running instance per user, and the way a second start talks to it.
+//
+// The running instance is identified by a handle that start-up stores under "tray" in "Options"; a
+// second start reads it back and sends a key code to that instance: 99 asks it to shut down, any other
+// code to pop up its tray menu. The send is synchronous: it returns only after the running instance
+// has handled the code (or at once, when nothing answers under that handle).
+class SingleInstance {
+public:
+    virtual ~SingleInstance() = default;
+
+    // Whether another instance of the program is running for this user. When none is, this instance
+    // becomes the running one (it takes the instance lock and keeps it until release()). A crashed
+    // instance's stale lock does not count.
+    virtual bool previousInstance() = 0;
+
+    // This instance's handle, as start-up writes it to "tray" (never 0).
+    virtual std::int32_t handle() const = 0;
+
+    // Starts answering key codes sent to this instance's handle. The callback runs on the
+    // user-interface thread; the sender is answered as soon as it returns. "Handled" therefore means
+    // "acted on", not "finished with": the callback must not wait for the user (a menu is popped up
+    // without a nested event loop), so that a second start ends as soon as the menu is on screen
+    // instead of lingering for as long as the menu stays open. The callback may call release(); it
+    // must not destroy this object.
+    virtual void listen(std::function<void(int keyCode)> onKeyDown) = 0;
+
+    // Sends a key code to the instance with this handle and waits until it has been handled, or
+    // until the instance ended while handling it (shut-down). Returns false when nothing listens
+    // under the handle (the caller then simply ends).
+    virtual bool sendKeyDown(std::int32_t handle, int keyCode) = 0;
+
+    // Stops answering and gives up the instance lock (shut-down).
+    virtual void release() = 0;
+};
+
+} // namespace tarvo

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "SingleInstance.h"
+
+#include <functional>
+#include <utility>
+#include <vector>
+
+namespace tarvo {
+
+// A single-instance seam that a test scripts: whether another instance runs, whether a send reaches
+// anyone. It records what was sent and lets the test deliver key codes to the listener, as a second
+// start would.
+class FakeSingleInstance : public SingleInstance {
+public:
+    struct Sent {
+        std::int32_t handle;
+        int keyCode;
+        bool operator==(const Sent&) const = default;
+    };
+
+    explicit FakeSingleInstance(std::int32_t handle = 4242)
+        : handle_(handle) {}
+
+    bool previousInstance() override {
+        ++previousInstanceCalls_;
+        if (otherInstanceRunning_)
+            return true;
+        holdsLock_ = true;
+        return false;
+    }
+    std::int32_t handle() const override { return handle_; }
+    void listen(std::function<void(int keyCode)> onKeyDown) override { onKeyDown_ = std::move(onKeyDown); }
+    bool sendKeyDown(std::int32_t handle, int keyCode) override {
+        sent_.push_back({handle, keyCode});
+        if (onSend_)
+            onSend_(sent_.back());
+        return sendReachesInstance_;
+    }
+    void release() override {
+        onKeyDown_ = nullptr;
+        holdsLock_ = false;
+        ++releaseCalls_;
+    }
+
+    void setOtherInstanceRunning(bool running) { otherInstanceRunning_ = running; }
+    // What sendKeyDown() reports: whether an instance answered under the handle.
+    void setSendReachesInstance(bool reaches) { sendReachesInstance_ = reaches; }
+    // Called on every send, e.g. to note its place among other events of a start-up.
+    void setOnSend(std::function<void(const Sent&)> onSend) { onSend_ = std::move(onSend); }
+
+    // Hands a key code to the listener as a second start would; false when nothing listens.
+    bool deliverKeyDown(int keyCode) {
+        if (!onKeyDown_)
+            return false;
+        const std::function<void(int)> onKeyDown = onKeyDown_; // the listener may release()
+        onKeyDown(keyCode);
+        return true;
+    }
+
+    bool isListening() const { return static_cast<bool>(onKeyDown_); }
+    bool holdsLock() const { return holdsLock_; }
+    int previousInstanceCalls() const { return previousInstanceCalls_; }
+    int releaseCalls() const { return releaseCalls_; }
+    const std::vector<Sent>& sent() const { return sent_; }
+
+private:
+    std::int32_t handle_;
+    bool otherInstanceRunning_ = false;
+    bool sendReachesInstance_ = true;
+    bool holdsLock_ = false;
+    int previousInstanceCalls_ = 0;
+    int releaseCalls_ = 0;
+    std::function<void(int)> onKeyDown_;
+    std::function<void(const Sent&)> onSend_;
+    std::vector<Sent> sent_;
+};
+
+} // namespace tarvo

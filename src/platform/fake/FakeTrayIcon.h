@@ -1,0 +1,66 @@
+#pragma once
+
+#include "TrayIcon.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QStringList>
+
+#include <vector>
+
+namespace tarvo {
+
+// A notification-area icon that only records what the program does with it. A test delivers mouse
+// messages as the icon would, and can act while a menu is "up" (onPopUp runs inside popUp, the way
+// events arrive while a real menu pumps messages).
+class FakeTrayIcon : public TrayIcon {
+public:
+    struct PopUp {
+        QPoint position;
+        // The menu's items at the moment it went up: object names, captions and the default item.
+        QStringList itemNames;
+        QStringList captions;
+        QString defaultItem;
+    };
+
+    void add(const QIcon&, const QString& tip, std::function<void(int message)> onMessage) override {
+        tip_ = tip;
+        onMessage_ = std::move(onMessage);
+        added_ = true;
+    }
+    void remove() override { added_ = false; }
+    void popUp(QMenu& menu, const QPoint& position) override {
+        PopUp record{position, {}, {}, {}};
+        for (const QAction* action : menu.actions()) {
+            record.itemNames << action->objectName();
+            record.captions << action->text();
+        }
+        if (menu.defaultAction() != nullptr)
+            record.defaultItem = menu.defaultAction()->objectName();
+        popUps_.push_back(record);
+        if (onPopUp)
+            onPopUp(menu);
+    }
+    bool isEmbedded() const override { return added_; }
+
+    // Delivers a mouse message as a click on the icon would (nothing happens before add).
+    void deliver(int message) {
+        if (added_ && onMessage_)
+            onMessage_(message);
+    }
+
+    // Runs while the menu is "up".
+    std::function<void(QMenu& menu)> onPopUp;
+
+    bool added() const { return added_; }
+    const QString& tip() const { return tip_; }
+    const std::vector<PopUp>& popUps() const { return popUps_; }
+
+private:
+    std::function<void(int)> onMessage_;
+    QString tip_;
+    std::vector<PopUp> popUps_;
+    bool added_ = false;
+};
+
+} // namespace tarvo

@@ -1,0 +1,96 @@
+#include "TrayStandInWindow.h"
+
+#include <QCloseEvent>
+#include <QContextMenuEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMouseEvent>
+
+namespace tarvo {
+
+namespace {
+
+constexpr int kLeftButtonUp = 0x202;
+constexpr int kLeftDoubleClick = 0x203;
+constexpr int kRightButtonUp = 0x205;
+constexpr int kMiddleButtonUp = 0x208;
+constexpr int kIconSize = 48;
+
+} // namespace
+
+TrayStandInWindow::TrayStandInWindow(const QIcon& icon, const QString& title,
+                                     std::function<void(int message)> onMessage, QWidget* parent)
+    : QWidget(parent, Qt::Window)
+    , onMessage_(std::move(onMessage)) {
+    setObjectName(QStringLiteral("TrayStandInWindow"));
+    setWindowTitle(title);
+    setWindowIcon(icon);
+    setToolTip(title);
+    // Only the menu's shut-down item ends the program, never closing a window.
+    setAttribute(Qt::WA_QuitOnClose, false);
+
+    auto* picture = new QLabel(this);
+    picture->setObjectName(QStringLiteral("imgIcon"));
+    picture->setPixmap(icon.pixmap(kIconSize, kIconSize));
+    auto* hint = new QLabel(tr("Right-click for the menu"), this);
+    hint->setObjectName(QStringLiteral("lblHint"));
+    // The labels pass every click on to the window.
+    picture->setAttribute(Qt::WA_TransparentForMouseEvents);
+    hint->setAttribute(Qt::WA_TransparentForMouseEvents);
+
+    auto* layout = new QHBoxLayout(this);
+    layout->addWidget(picture);
+    layout->addWidget(hint);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void TrayStandInWindow::mouseReleaseEvent(QMouseEvent* event) {
+    switch (event->button()) {
+    case Qt::LeftButton:
+        onMessage_(kLeftButtonUp);
+        break;
+    case Qt::RightButton:
+        onMessage_(kRightButtonUp);
+        break;
+    case Qt::MiddleButton:
+        onMessage_(kMiddleButtonUp);
+        break;
+    default:
+        QWidget::mouseReleaseEvent(event);
+        return;
+    }
+    event->accept();
+}
+
+void TrayStandInWindow::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) {
+        QWidget::mouseDoubleClickEvent(event);
+        return;
+    }
+    onMessage_(kLeftDoubleClick);
+    event->accept();
+}
+
+void TrayStandInWindow::contextMenuEvent(QContextMenuEvent* event) {
+    // A right click already reported its button's release; only the keyboard's request is new here.
+    if (event->reason() != QContextMenuEvent::Keyboard) {
+        event->ignore();
+        return;
+    }
+    onMessage_(kRightButtonUp);
+    event->accept();
+}
+
+void TrayStandInWindow::closeEvent(QCloseEvent* event) {
+    // Only the user's close (from the window manager) is turned into minimising. A close that the
+    // program asks for, such as the application closing its windows as it quits, goes through: refusing
+    // that would cancel the quit.
+    if (!event->spontaneous()) {
+        QWidget::closeEvent(event);
+        return;
+    }
+    event->ignore();
+    showMinimized();
+}
+
+} // namespace tarvo

@@ -1,0 +1,129 @@
+#include "TarvoProgram.h"
+
+#include "ActivityMonitor.h"
+#include "AppContext.h"
+#include "Clock.h"
+#include "MessageBox.h"
+#include "ProcessRunner.h"
+#include "SchemeStore.h"
+#include "SettingsKeys.h"
+#include "SettingsLoader.h"
+#include "SingleInstance.h"
+#include "TrayIcon.h"
+#include "Version.h"
+#include "WarningSounds.h"
+#include "frmTarvo.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QScreen>
+
+namespace tarvo {
+
+namespace {
+const QString kTip = QStringLiteral("Tarvo Micropause");
+} // namespace
+
+TarvoProgram::TarvoProgram(AppContext& context, QIcon icon)
+    : ctx_(context)
+    , icon_(std::move(icon)) {}
+
+TarvoProgram::~TarvoProgram() = default;
+
+bool TarvoProgram::Form_Load() {
+    const bool shutdownRequested = ctx_.commandLine.toLower() == QLatin1String("shutdown");
+
+    // The window searches of the classic program never found anything; the instance lock is what
+    // tells that another instance runs.
+    if (ctx_.instance.previousInstance()) {
+        const std::int32_t tray = ctx_.settings.readNumber(keys::Options, keys::Tray, 0);
+        if (tray == 0) {
+            ctx_.messages.show(QStringLiteral("Tarvo Micropause is already running in the System Tray"),
+                               QStringLiteral("Tarvo"), MessageBox::Buttons::Ok);
+            return false;
+        }
+        ctx_.instance.sendKeyDown(tray, shutdownRequested ? kShutdownKey : 0);
+        return false;
+    }
+    if (shutdownRequested)
+        return false; // nothing runs that could be shut down, and nothing is written
+
+    warnings_ = std::make_unique<WarningSounds>(ctx_.record, ctx_.sound, ctx_.programFolder);
+    form_ = std::make_unique<frmTarvo>(ctx_.record, ctx_.schedule, ctx_.clock, ctx_.monitor, ctx_.timers,
+                                       *warnings_);
+    if (auto* version = form_->findChild<QLabel*>(QStringLiteral("lblVersion")))
+        version->setText(QStringLiteral("%1.%2.%3").arg(kVersionMajor).arg(kVersionMinor).arg(kVersionRevision));
+
+    ctx_.settings.writeNumber(keys::Options, keys::Tray, ctx_.instance.handle());
+    ctx_.instance.listen([this](int keyCode) {
+        if (onKeyDown)
+            onKeyDown(keyCode);
+    });
+
+    FirstTimeInitialise();
+
+    if (QScreen* screen = QGuiApplication::primaryScreen()) {
+        const QRect area = screen->geometry();
+        form_->move(area.x() + (area.width() - form_->width()) / 2, area.y() + (area.height() - form_->height()) / 2);
+    }
+
+    SettingsLoadSteps steps;
+    steps.loadScheme = [this](const QString& scheme) {
+        ctx_.exercises.CurrentScheme = scheme;
+        LoadScheme(ctx_.settings, ctx_.exercises, scheme);
+    };
+    steps.showWarning = [this](const QString& warning) { form_->setWarning(warning); };
+    steps.monitorSource = [this](int source, std::int32_t on) {
+        if (on != 0)
+            ctx_.monitor.InstallFilter(source, true);
+    };
+    ctx_.schedule.ExercisePromptPending = false;
+    loadAllSettings(ctx_.settings, ctx_.record, steps);
+
+    form_->scheduler().SetTimers();
+    const std::int32_t now = ctx_.clock.tickCount();
+    ctx_.schedule.LastActivityTimes = {now, now};
+
+    ctx_.tray.add(icon_, kTip, [this](int message) {
+        if (onTrayMessage)
+            onTrayMessage(message);
+    });
+    form_->hide();
+
+    ctx_.settings.write(keys::Options, keys::AppPath, ctx_.programFolder);
+    return true;
+}
+
+void TarvoProgram::FirstTimeInitialise() {
+    if (ctx_.settings.readText(keys::Options, keys::Initialised, QStringLiteral("0")) == QLatin1String("1"))
+        return;
+
+    // A registry editor of the system's own takes precedence over the program's copy, which then goes.
+    const QString systemEditor = ctx_.windir + QStringLiteral("/regedit");
+    const QString ownEditor = ctx_.programFolder + QStringLiteral("/regedit");
+    QString editor = ownEditor;
+    if (QFileInfo(systemEditor).isFile()) {
+        editor = systemEditor;
+        if (QFileInfo(ownEditor).isFile())
+            QFile::remove(ownEditor);
+    }
+    ctx_.processes.runAndWait(editor + QStringLiteral(" /s \"") + ctx_.programFolder +
+                              QStringLiteral("/tarvo32.reg\""));
+    ctx_.processes.runAndWait(ctx_.programFolder + QStringLiteral("/tarvomultimedia"));
+    // Set even when a program was missing: the import is not retried on every start.
+    ctx_.settings.write(keys::Options, keys::Initialised, QStringLiteral("1"));
+}
+
+void TarvoProgram::Form_Unload() {
+    ctx_.monitor.InstallFilter(0, false);
+    ctx_.monitor.InstallFilter(1, false);
+    ctx_.tray.remove();
+    ctx_.settings.write(keys::Options, keys::Tray, QStringLiteral("0"));
+    if (closeVideo)
+        closeVideo();
+    ctx_.instance.release();
+}
+
+} // namespace tarvo

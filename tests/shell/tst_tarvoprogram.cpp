@@ -1,0 +1,217 @@
+// Start-up and shut-down with every seam faked: the single-instance rule, the first run, the order in
+// which options are read and the program is switched on, and what shut-down undoes.
+#include "AppContext.h"
+#include "FakeActivityMonitor.h"
+#include "FakeClock.h"
+#include "ManualTimer.h"
+#include "MemoryRegistryStore.h"
+#include "RecordingProcessRunner.h"
+#include "RecordingSoundPlayer.h"
+#include "RuntimeError.h"
+#include "ScriptedMessageBox.h"
+#include "SettingsKeys.h"
+#include "SingleInstance.h"
+#include "TarvoProgram.h"
+#include "Timer.h"
+#include "TrayIcon.h"
+#include "frmTarvo.h"
+
+#include <QMenu>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace tarvo;
+
+namespace {
+
+struct ScriptedInstance : SingleInstance {
+    bool previous = false;
+    QList<QPair<int, int>> sent; // handle, key code
+    std::function<void(int)> listener;
+    bool released = false;
+    bool previousInstance() override { return previous; }
+    std::int32_t handle() const override { return 4242; }
+    void listen(std::function<void(int)> onKeyDown) override { listener = std::move(onKeyDown); }
+    bool sendKeyDown(std::int32_t h, int code) override {
+        sent.append({h, code});
+        return true;
+    }
+    void release() override { released = true; }
+};
+
+struct RecordingTray : TrayIcon {
+    QString tip;
+    std::function<void(int)> onMessage;
+    int removed = 0;
+    void add(const QIcon&, const QString& t, std::function<void(int)> cb) override {
+        tip = t;
+        onMessage = std::move(cb);
+    }
+    void remove() override { ++removed; }
+    void popUp(QMenu&, const QPoint&) override {}
+    bool isEmbedded() const override { return true; }
+};
+
+struct Rig {
+    MemoryRegistryStore store;
+    FakeClock clock{5000};
+    ManualTimeline timeline{&clock};
+    FakeActivityMonitor monitor;
+    RecordingSoundPlayer sound;
+    RecordingProcessRunner processes;
+    ScriptedInstance instance;
+    RecordingTray tray;
+    ScriptedMessageBox messages;
+    AppContext ctx{store, clock, timeline, monitor, sound, processes, instance, tray, messages};
+    QTemporaryDir folder;
+    TarvoProgram program{ctx, QIcon()};
+
+    Rig() {
+        ctx.programFolder = folder.path();
+        ctx.windir = folder.filePath(QStringLiteral("windows"));
+    }
+    QStringList writtenKeys() const {
+        QStringList keys;
+        for (const auto& w : store.writes())
+            keys << w.section + QLatin1Char('/') + w.key + QLatin1Char('=') + w.text;
+        return keys;
+    }
+};
+
+void touch(const QString& path) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile f(path);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+}
+
+} // namespace
+
+class TestTarvoProgram : public QObject {
+    Q_OBJECT
+
+private slots:
+    void firstStartRunsTheImportAndMediaBeforeReadingOptions() {
+        Rig rig;
+        QStringList events;
+        rig.processes.onRun = [&](const QString& command) {
+            events << QStringLiteral("run %1 after %2 reads").arg(command).arg(rig.store.reads().size());
+            // The import writes the shipped defaults; start-up must read what it wrote.
+            if (command.contains(QStringLiteral("tarvo32.reg")))
+                rig.store.model().setValue(keys::Micropause, keys::InterruptEvery, QStringLiteral("7"));
+        };
+        QVERIFY(rig.program.Form_Load());
+
+        const QString dir = rig.folder.path();
+        QCOMPARE(rig.processes.commands(),
+                 (QStringList{dir + "/regedit /s \"" + dir + "/tarvo32.reg\"", dir + "/tarvomultimedia"}));
+        QCOMPARE(rig.store.reads().first(), QStringLiteral("Options/Initialised"));
+        QCOMPARE(events.size(), 2);
+        QVERIFY(events[0].endsWith(QStringLiteral("after 1 reads")) && events[1].endsWith(QStringLiteral("after 1 reads")));
+        QCOMPARE(rig.ctx.record.InterruptEvery, 7);
+        QCOMPARE(rig.writtenKeys(), (QStringList{"Options/tray=4242", "Options/Initialised=1",
+                                                 "Options/AppPath=" + dir}));
+
+        // Switched on: both channels watched, the schedule armed, the stamps seeded, the icon added.
+        QVERIFY(rig.monitor.isOn(0) && rig.monitor.isOn(1));
+        QVERIFY(rig.program.form().tMinutes().isEnabled() && rig.program.form().tSeconds().isEnabled());
+        QCOMPARE(rig.ctx.schedule.MinutesToMicropause, 7);
+        QCOMPARE(rig.ctx.schedule.LastActivityTimes, (std::array<std::int32_t, 2>{5000, 5000}));
+        QCOMPARE(rig.tray.tip, QStringLiteral("Tarvo Micropause"));
+        QVERIFY(!rig.program.form().isVisible());
+        QCOMPARE(rig.ctx.exercises.CurrentScheme, QStringLiteral("*Medium break"));
+        QCOMPARE(rig.ctx.exercises.Exercises[0].File, QStringLiteral("title.avi"));
+
+        // A later start's key code and the icon's messages reach their handlers.
+        int key = -1, message = -1;
+        rig.program.onKeyDown = [&](int k) { key = k; };
+        rig.program.onTrayMessage = [&](int m) { message = m; };
+        rig.instance.listener(99);
+        rig.tray.onMessage(0x205);
+        QCOMPARE(key, 99);
+        QCOMPARE(message, 0x205);
+
+        // Shut-down undoes it, whatever the "Monitor" options said.
+        rig.store.clearWrites();
+        bool videoClosed = false;
+        rig.program.closeVideo = [&] { videoClosed = true; };
+        rig.program.Form_Unload();
+        QVERIFY(!rig.monitor.isOn(0) && !rig.monitor.isOn(1));
+        QCOMPARE(rig.tray.removed, 1);
+        QCOMPARE(rig.writtenKeys(), QStringList{"Options/tray=0"});
+        QVERIFY(videoClosed && rig.instance.released);
+    }
+
+    void theEditorChoice() {
+        {
+            Rig rig; // the system's editor exists: it is used and the program folder's copy goes
+            touch(rig.ctx.windir + QStringLiteral("/regedit"));
+            touch(rig.folder.filePath(QStringLiteral("regedit")));
+            rig.program.FirstTimeInitialise();
+            QVERIFY(rig.processes.commands().first().startsWith(rig.ctx.windir + QStringLiteral("/regedit /s \"")));
+            QVERIFY(!QFile::exists(rig.folder.filePath(QStringLiteral("regedit"))));
+        }
+        {
+            Rig rig; // no system editor: the program folder's copy is used and kept
+            touch(rig.folder.filePath(QStringLiteral("regedit")));
+            rig.program.FirstTimeInitialise();
+            QVERIFY(rig.processes.commands().first().startsWith(rig.folder.filePath(QStringLiteral("regedit /s"))));
+            QVERIFY(QFile::exists(rig.folder.filePath(QStringLiteral("regedit"))));
+            rig.program.FirstTimeInitialise(); // done once: not again
+            QCOMPARE(rig.processes.commands().size(), 2);
+        }
+    }
+
+    void aSecondStart() {
+        {
+            Rig rig; // the first instance is still starting: "tray" is 0
+            rig.instance.previous = true;
+            QVERIFY(!rig.program.Form_Load());
+            QCOMPARE(rig.messages.shown().size(), size_t(1));
+            QCOMPARE(rig.messages.shown()[0].text, QStringLiteral("Tarvo Micropause is already running in the System Tray"));
+            QCOMPARE(rig.messages.shown()[0].title, QStringLiteral("Tarvo"));
+            QVERIFY(rig.instance.sent.isEmpty() && rig.store.writes().empty());
+        }
+        for (const QString& line : {QString(), QStringLiteral("SHUTDOWN"), QStringLiteral("shut down")}) {
+            Rig rig;
+            rig.instance.previous = true;
+            rig.store.model().setValue(keys::Options, keys::Tray, QStringLiteral("1234"));
+            rig.ctx.commandLine = line;
+            QVERIFY(!rig.program.Form_Load());
+            QCOMPARE(rig.instance.sent, (QList<QPair<int, int>>{{1234, line == QStringLiteral("SHUTDOWN") ? 99 : 0}}));
+            QVERIFY(rig.messages.shown().empty() && rig.store.writes().empty() && rig.processes.commands().isEmpty());
+        }
+        {
+            Rig rig; // "shutdown" with nothing running: ends at once, touching nothing
+            rig.ctx.commandLine = QStringLiteral("Shutdown");
+            QVERIFY(!rig.program.Form_Load());
+            QVERIFY(rig.store.writes().empty() && rig.processes.commands().isEmpty());
+            QCOMPARE(rig.store.reads(), QStringList());
+        }
+    }
+
+    void aBadOptionStopsStartUp() {
+        Rig rig;
+        rig.store.model().setValue(keys::Options, keys::Initialised, QStringLiteral("1"));
+        rig.store.model().setValue(keys::Micropause, keys::monitor(0), QStringLiteral("0"));
+        rig.store.model().setValue(keys::Exercise, keys::NumAtaTime, QStringLiteral("six"));
+        try {
+            rig.program.Form_Load();
+            QFAIL("start-up went on past a bad option");
+        } catch (const RuntimeError& e) {
+            QCOMPARE(e.number(), vberr::TypeMismatch);
+            QVERIFY(e.context().contains(QStringLiteral("NumAtaTime")));
+        }
+        QCOMPARE(rig.writtenKeys(), QStringList{"Options/tray=4242"}); // only what start-up writes first
+        QVERIFY(!rig.monitor.isOn(0) && !rig.monitor.isOn(1));
+
+        // Keyboard watching off in the options: only the mouse is watched.
+        rig.store.model().setValue(keys::Exercise, keys::NumAtaTime, QStringLiteral("6"));
+        Rig second;
+        second.store.model() = rig.store.model();
+        QVERIFY(second.program.Form_Load());
+        QVERIFY(!second.monitor.isOn(0) && second.monitor.isOn(1));
+    }
+};
+
+QTEST_MAIN(TestTarvoProgram)
+#include "tst_tarvoprogram.moc"

@@ -1,0 +1,159 @@
+// The tray icon on a real X server (a private Xvfb): the stand-in window while there is no tray, the
+// icon docking into trayer when it starts, the stand-in coming back when trayer ends, and clicks on
+// either reaching the program as mouse messages. Input comes from xdotool, through the X server.
+#include "../platform/x11/XvfbServer.h"
+#include "ProgramIcon.h"
+#include "QtTrayIcon.h"
+
+#include <QApplication>
+#include <QProcess>
+#include <QSystemTrayIcon>
+#include <QTimer>
+#include <QtTest>
+
+#include <cstdlib>
+#include <xcb/xcb.h>
+
+using namespace tarvo;
+
+namespace {
+
+bool haveX = false;
+
+} // namespace
+
+class TestTrayIconX11 : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() {
+        if (!haveX)
+            QSKIP("Xvfb is not installed or did not start");
+        if (QStandardPaths::findExecutable(QStringLiteral("xdotool")).isEmpty())
+            QSKIP("xdotool is not installed");
+    }
+
+    void init() {
+        messages_.clear();
+        tray_ = std::make_unique<QtTrayIcon>();
+    }
+
+    void cleanup() {
+        tray_.reset();
+        stopTrayer();
+    }
+
+    void withoutATrayTheStandInWindowServes() {
+        add();
+        QVERIFY(!tray_->isEmbedded());
+        QWidget* standIn = tray_->standInWindow();
+        QVERIFY(QTest::qWaitForWindowExposed(standIn));
+        QCOMPARE(standIn->windowTitle(), QStringLiteral("Tarvo Micropause"));
+
+        const QPoint centre = standIn->mapToGlobal(standIn->rect().center());
+        click(centre, {"click", "3"});
+        QTRY_COMPARE(messages_, QList<int>{0x205});
+        click(centre, {"click", "--repeat", "2", "--delay", "80", "1"});
+        QTRY_VERIFY(messages_.contains(0x203));
+        QCOMPARE(messages_.mid(0, 3), QList<int>({0x205, 0x202, 0x203}));
+    }
+
+    // The icon and the stand-in change places as trays come and go, and clicks on the docked icon
+    // arrive as messages. A removed icon stays away whatever trays do.
+    void theIconFollowsTheTray() {
+        add();
+        QSignalSpy embedded(tray_.get(), &QtTrayIcon::embeddedChanged);
+        for (int round = 0; round < 2; ++round) {
+            startTrayer();
+            QTRY_VERIFY_WITH_TIMEOUT(tray_->isEmbedded(), 10000);
+            QVERIFY(tray_->standInWindow()->isHidden());
+            auto* icon = tray_->findChild<QSystemTrayIcon*>();
+            QCOMPARE(icon->toolTip(), QStringLiteral("Tarvo Micropause"));
+            // Docked: trayer sits at the top right corner of the 640 x 480 screen.
+            QTRY_VERIFY(icon->geometry().left() > 400 && icon->geometry().top() < 40);
+
+            messages_.clear();
+            const QPoint centre = icon->geometry().center();
+            click(centre, {"click", "3"});
+            click(centre, {"click", "2"});
+            click(centre, {"click", "--repeat", "2", "--delay", "80", "1"});
+            QTRY_COMPARE(messages_, QList<int>({0x205, 0x208, 0x202, 0x203}));
+
+            stopTrayer();
+            QTRY_VERIFY(!tray_->isEmbedded());
+            QVERIFY(QTest::qWaitForWindowExposed(tray_->standInWindow()));
+        }
+        QCOMPARE(embedded.size(), 4);
+
+        tray_->remove();
+        QVERIFY(tray_->standInWindow()->isHidden());
+        startTrayer();
+        QTest::qWait(500); // time for the tray's announcement, which must change nothing
+        QVERIFY(!tray_->isEmbedded());
+        QVERIFY(!tray_->findChild<QSystemTrayIcon*>()->isVisible());
+        QVERIFY(tray_->standInWindow()->isHidden());
+    }
+
+    // The application closes its windows as it quits; the stand-in must not refuse.
+    void theStandInDoesNotHoldUpQuitting() {
+        add();
+        QVERIFY(QTest::qWaitForWindowExposed(tray_->standInWindow()));
+        QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+        QTimer::singleShot(5000, qApp, [] { QCoreApplication::exit(7); }); // the test's own way out
+        QCOMPARE(QApplication::exec(), 0);
+    }
+
+private:
+    void add() {
+        tray_->add(programIcon(), QStringLiteral("Tarvo Micropause"), [this](int m) { messages_ << m; });
+    }
+
+    void startTrayer() {
+        trayer_.setStandardErrorFile(QProcess::nullDevice());
+        trayer_.start("trayer", {"--edge", "top", "--align", "right", "--widthtype", "request", "--height",
+                                 "24", "--transparent", "false", "--SetDockType", "false"});
+        QVERIFY(trayer_.waitForStarted());
+    }
+
+    void stopTrayer() {
+        if (trayer_.state() == QProcess::NotRunning)
+            return;
+        trayer_.kill();
+        trayer_.waitForFinished();
+        // Qt keeps the tray's window for the whole process and forgets it only when it handles the
+        // window's destruction; the next test must not start before that.
+        QTRY_VERIFY(!QSystemTrayIcon::isSystemTrayAvailable());
+    }
+
+    // Moves the pointer with xdotool and clicks there, and waits for it with the event loop running.
+    void click(const QPoint& where, const QStringList& clickArguments) {
+        QProcess xdotool;
+        xdotool.start("xdotool", QStringList{"mousemove", QString::number(where.x()),
+                                             QString::number(where.y()), "sleep", "0.1"} +
+                                     clickArguments);
+        QTRY_VERIFY(xdotool.state() == QProcess::NotRunning);
+        QCOMPARE(xdotool.exitCode(), 0);
+    }
+
+    std::unique_ptr<QtTrayIcon> tray_;
+    QProcess trayer_;
+    QList<int> messages_;
+};
+
+int main(int argc, char** argv) {
+    // The test's own X server, and no session bus, so that Qt offers no StatusNotifierItem tray: the
+    // XEmbed tray is what this test is about.
+    XvfbServer xvfb;
+    haveX = XvfbServer::installed() && xvfb.start();
+    if (haveX) {
+        qputenv("DISPLAY", xvfb.display());
+        qputenv("QT_QPA_PLATFORM", "xcb");
+    }
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/tarvo-test-bus");
+    QApplication app(argc, argv);
+    app.setQuitOnLastWindowClosed(false);
+    TestTrayIconX11 test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_trayicon_x11.moc"
