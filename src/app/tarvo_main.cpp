@@ -1,4 +1,6 @@
 // tarvo: the break reminder.
 #include "RunTarvo.h"
 
-int main(int argc, char** argv) { return tarvo::runTarvo(argc, argv); }
+int main(int argc, char** argv) {
+    return tarvo::runTarvo(argc, argv);
+}

@@ -47,9 +47,9 @@ struct AppContext {
     TrayIcon& tray;
     MessageBox& messages;
 
-    QString programFolder;  // where the programs, tarvo32.reg and the media lie
-    QString commandLine;    // the arguments joined by single blanks
-    QString windir;         // the "windir" environment variable (normally unset here)
+    QString programFolder; // where the programs, tarvo32.reg and the media lie
+    QString commandLine;   // the arguments joined by single blanks
+    QString windir;        // the "windir" environment variable (normally unset here)
 
     SettingsStore settings;
     SettingsRecord record;

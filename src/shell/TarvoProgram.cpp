@@ -54,7 +54,8 @@ bool TarvoProgram::Form_Load() {
     form_ = std::make_unique<frmTarvo>(ctx_.record, ctx_.schedule, ctx_.clock, ctx_.monitor, ctx_.timers,
                                        *warnings_);
     if (auto* version = form_->findChild<QLabel*>(QStringLiteral("lblVersion")))
-        version->setText(QStringLiteral("%1.%2.%3").arg(kVersionMajor).arg(kVersionMinor).arg(kVersionRevision));
+        version->setText(
+            QStringLiteral("%1.%2.%3").arg(kVersionMajor).arg(kVersionMinor).arg(kVersionRevision));
 
     ctx_.settings.writeNumber(keys::Options, keys::Tray, ctx_.instance.handle());
     ctx_.instance.listen([this](int keyCode) {
@@ -66,7 +67,8 @@ bool TarvoProgram::Form_Load() {
 
     if (QScreen* screen = QGuiApplication::primaryScreen()) {
         const QRect area = screen->geometry();
-        form_->move(area.x() + (area.width() - form_->width()) / 2, area.y() + (area.height() - form_->height()) / 2);
+        form_->move(area.x() + (area.width() - form_->width()) / 2,
+                    area.y() + (area.height() - form_->height()) / 2);
     }
 
     SettingsLoadSteps steps;

@@ -166,8 +166,9 @@ private slots:
         QCOMPARE(run(QStringLiteral("tarvo"), {QStringLiteral("--version")})
                      .out.startsWith(QStringLiteral("Tarvo Micropause ")),
                  true);
-        write(QStringLiteral("bad.reg"), "REGEDIT4\n[" + kRoot + "\\Micropause]\n\"InterruptFor\"=\"abc\"\n[" + kRoot +
-                                            "\\Options]\n\"Initialised\"=\"1\"\n");
+        write(QStringLiteral("bad.reg"), "REGEDIT4\n[" + kRoot +
+                                             "\\Micropause]\n\"InterruptFor\"=\"abc\"\n[" + kRoot +
+                                             "\\Options]\n\"Initialised\"=\"1\"\n");
         QCOMPARE(
             run(QStringLiteral("regedit"), {QStringLiteral("/s"), file(QStringLiteral("bad.reg"))}).status,
             0);

@@ -106,10 +106,11 @@ private slots:
                  (QStringList{dir + "/regedit /s \"" + dir + "/tarvo32.reg\"", dir + "/tarvomultimedia"}));
         QCOMPARE(rig.store.reads().first(), QStringLiteral("Options/Initialised"));
         QCOMPARE(events.size(), 2);
-        QVERIFY(events[0].endsWith(QStringLiteral("after 1 reads")) && events[1].endsWith(QStringLiteral("after 1 reads")));
+        QVERIFY(events[0].endsWith(QStringLiteral("after 1 reads")) &&
+                events[1].endsWith(QStringLiteral("after 1 reads")));
         QCOMPARE(rig.ctx.record.InterruptEvery, 7);
-        QCOMPARE(rig.writtenKeys(), (QStringList{"Options/tray=4242", "Options/Initialised=1",
-                                                 "Options/AppPath=" + dir}));
+        QCOMPARE(rig.writtenKeys(),
+                 (QStringList{"Options/tray=4242", "Options/Initialised=1", "Options/AppPath=" + dir}));
 
         // Switched on: both channels watched, the schedule armed, the stamps seeded, the icon added.
         QVERIFY(rig.monitor.isOn(0) && rig.monitor.isOn(1));
@@ -147,14 +148,16 @@ private slots:
             touch(rig.ctx.windir + QStringLiteral("/regedit"));
             touch(rig.folder.filePath(QStringLiteral("regedit")));
             rig.program.FirstTimeInitialise();
-            QVERIFY(rig.processes.commands().first().startsWith(rig.ctx.windir + QStringLiteral("/regedit /s \"")));
+            QVERIFY(rig.processes.commands().first().startsWith(rig.ctx.windir +
+                                                                QStringLiteral("/regedit /s \"")));
             QVERIFY(!QFile::exists(rig.folder.filePath(QStringLiteral("regedit"))));
         }
         {
             Rig rig; // no system editor: the program folder's copy is used and kept
             touch(rig.folder.filePath(QStringLiteral("regedit")));
             rig.program.FirstTimeInitialise();
-            QVERIFY(rig.processes.commands().first().startsWith(rig.folder.filePath(QStringLiteral("regedit /s"))));
+            QVERIFY(rig.processes.commands().first().startsWith(
+                rig.folder.filePath(QStringLiteral("regedit /s"))));
             QVERIFY(QFile::exists(rig.folder.filePath(QStringLiteral("regedit"))));
             rig.program.FirstTimeInitialise(); // done once: not again
             QCOMPARE(rig.processes.commands().size(), 2);
@@ -167,7 +170,8 @@ private slots:
             rig.instance.previous = true;
             QVERIFY(!rig.program.Form_Load());
             QCOMPARE(rig.messages.shown().size(), size_t(1));
-            QCOMPARE(rig.messages.shown()[0].text, QStringLiteral("Tarvo Micropause is already running in the System Tray"));
+            QCOMPARE(rig.messages.shown()[0].text,
+                     QStringLiteral("Tarvo Micropause is already running in the System Tray"));
             QCOMPARE(rig.messages.shown()[0].title, QStringLiteral("Tarvo"));
             QVERIFY(rig.instance.sent.isEmpty() && rig.store.writes().empty());
         }
@@ -177,8 +181,10 @@ private slots:
             rig.store.model().setValue(keys::Options, keys::Tray, QStringLiteral("1234"));
             rig.ctx.commandLine = line;
             QVERIFY(!rig.program.Form_Load());
-            QCOMPARE(rig.instance.sent, (QList<QPair<int, int>>{{1234, line == QStringLiteral("SHUTDOWN") ? 99 : 0}}));
-            QVERIFY(rig.messages.shown().empty() && rig.store.writes().empty() && rig.processes.commands().isEmpty());
+            QCOMPARE(rig.instance.sent,
+                     (QList<QPair<int, int>>{{1234, line == QStringLiteral("SHUTDOWN") ? 99 : 0}}));
+            QVERIFY(rig.messages.shown().empty() && rig.store.writes().empty() &&
+                    rig.processes.commands().isEmpty());
         }
         {
             Rig rig; // "shutdown" with nothing running: ends at once, touching nothing
