@@ -27,37 +27,25 @@ for _ in $(seq 100); do xdotool search --class trayer >/dev/null 2>&1 && break; 
 eval "$(dbus-daemon --session --fork --print-address=1 --print-pid=1 --nopidfile |
     { read -r a && read -r p && echo "export DBUS_SESSION_BUS_ADDRESS=$a; pids+=($p)"; })"
 
-docked() { # <pid>: a window of the process sits inside trayer's panel
-    local w p
-    for w in $(xdotool search --pid "$1" 2>/dev/null); do
-        p=$w
-        for _ in 1 2 3 4 5 6; do
-            p=$(xwininfo -children -id "$p" 2>/dev/null | awk '/Parent window id/{print $4}')
-            [ -n "$p" ] && [ "$((p))" != 0 ] || break # window 0 would make xwininfo wait for a click
-            xprop -id "$p" WM_CLASS 2>/dev/null | grep -q '"trayer"' && return 0
-        done
-    done
-    return 1
-}
+panel=$(xdotool search --onlyvisible --class trayer | head -n 1)
+dock_time=$(cd "$(dirname "$0")/../build/bench" && pwd)/dock_time
 
-run_until_docked() { # starts tarvo, prints ms until its icon docked
-    local start end
-    start=$(date +%s%N)
-    "$bin/tarvo" >/dev/null 2>"$work/tarvo.err" &
-    tarvo_pid=$!
-    until docked "$tarvo_pid"; do sleep 0.002; done
-    end=$(date +%s%N)
-    echo $(((end - start) / 1000000))
+run_until_docked() { # starts tarvo, prints ms from exec until its icon docked; sets tarvo_pid
+    local ms
+    read -r ms tarvo_pid < <("$dock_time" "$panel" "$bin/tarvo" 2>"$work/tarvo.err")
+    echo "$ms"
 }
 
 # The first start of a fresh profile imports the defaults (and tries the media program); the figure
 # that matters is a normal start on a warm X server.
-first=$(run_until_docked)
+run_until_docked >"$work/first"
+first=$(cat "$work/first")
 "$bin/tarvo" shutdown
 sleep 1
 times=()
 for _ in 1 2 3 4 5; do
-    times+=("$(run_until_docked)")
+    run_until_docked >"$work/ms"
+    times+=("$(cat "$work/ms")")
     "$bin/tarvo" shutdown
     sleep 0.5
 done

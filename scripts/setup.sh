@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
     g++ cmake ninja-build clang-format          # tool chain
     qt6-base-dev qt6-base-dev-tools             # Qt Core, Gui, Widgets, Test; moc, uic
-    qt6-svg-dev                                 # Qt SVG: its icon engine draws the program icon
+    qt6-svg-dev                                 # Qt SVG: the build draws the program icon with it
     pkg-config libxcb1-dev libxcb-xinput-dev    # the activity monitor's X connection (XInput 2)
     libx11-dev libxtst-dev                      # the activity monitor benchmark's XTEST input load
     xvfb xdotool                                # X11 tests: a private X server and input through XTEST

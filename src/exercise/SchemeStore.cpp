@@ -71,4 +71,10 @@ QStringList readSchemeList(SettingsStore& settings) {
     return names;
 }
 
+void writeSchemeList(SettingsStore& settings, const QStringList& names) {
+    settings.writeNumber(kSchemesSection, kNum, static_cast<std::int32_t>(names.size()));
+    for (qsizetype i = 0; i < names.size(); ++i)
+        settings.write(kSchemesSection, QString::number(i + 1), names[i]);
+}
+
 } // namespace tarvo

@@ -29,5 +29,8 @@ void SaveScheme(SettingsStore& settings, const QString& name, const std::vector<
 
 // The scheme names in their stored order.
 QStringList readSchemeList(SettingsStore& settings);
+// Stores the list: "Num", then the names as "1" … "Num". Entries above a shorter list stay; "Num"
+// bounds what is read back.
+void writeSchemeList(SettingsStore& settings, const QStringList& names);
 
 } // namespace tarvo

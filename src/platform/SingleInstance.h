@@ -24,11 +24,10 @@ public:
     virtual std::int32_t handle() const = 0;
 
     // Starts answering key codes sent to this instance's handle. The callback runs on the
-    // user-interface thread; the sender is answered as soon as it returns. "Handled" therefore means
-    // "acted on", not "finished with": the callback must not wait for the user (a menu is popped up
-    // without a nested event loop), so that a second start ends as soon as the menu is on screen
-    // instead of lingering for as long as the menu stays open. The callback may call release(); it
-    // must not destroy this object.
+    // user-interface thread; the sender is answered as soon as it returns. A popped-up tray menu is
+    // modal, so a second start that popped it up ends once the user has closed it (or when the
+    // sender's own time limit runs out). The callback may call release(); it must not destroy this
+    // object.
     virtual void listen(std::function<void(int keyCode)> onKeyDown) = 0;
 
     // Sends a key code to the instance with this handle and waits until it has been handled, or

@@ -19,6 +19,12 @@ namespace tarvo {
 // appears.
 class TrayIcon {
 public:
+    // The mouse messages.
+    static constexpr int kLeftButtonUp = 0x202;
+    static constexpr int kLeftDoubleClick = 0x203;
+    static constexpr int kRightButtonUp = 0x205;
+    static constexpr int kMiddleButtonUp = 0x208;
+
     virtual ~TrayIcon() = default;
 
     // Adds the icon with its tool tip; `onMessage` receives the mouse messages. They arrive from the

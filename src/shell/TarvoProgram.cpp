@@ -118,6 +118,14 @@ void TarvoProgram::FirstTimeInitialise() {
     ctx_.settings.write(keys::Options, keys::Initialised, QStringLiteral("1"));
 }
 
+void TarvoProgram::commitOptions() {
+    commitSettings(ctx_.settings, ctx_.record, [this] {
+        const ExerciseTable& table = ctx_.exercises;
+        SaveScheme(ctx_.settings, table.CurrentScheme, table.Exercises, table.ExerciseCount);
+    });
+    form_->scheduler().ApplyOptions();
+}
+
 void TarvoProgram::Form_Unload() {
     ctx_.monitor.InstallFilter(0, false);
     ctx_.monitor.InstallFilter(1, false);

@@ -29,6 +29,10 @@ public:
     void Form_Unload();
     // Imports the shipped defaults and renders the built-in media, once per user.
     void FirstTimeInitialise();
+    // Apply in the options dialog: every option of the record written in order, the exercise table
+    // saved under the current scheme's name on the way, then the running countdowns moved to the new
+    // intervals.
+    void commitOptions();
 
     frmTarvo& form() { return *form_; }
 

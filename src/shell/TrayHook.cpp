@@ -13,8 +13,6 @@ namespace tarvo {
 
 namespace {
 
-constexpr int kLeftDoubleClick = 0x203;
-constexpr int kRightButtonUp = 0x205;
 constexpr int kShutdownKey = 99;
 // The tray record's tip field: 64 characters with the terminating zero.
 constexpr qsizetype kTipLength = 63;
@@ -67,10 +65,10 @@ void TrayHook::pichook_MouseMove(int button, int shift, double x, double y) {
         return;
     const FlagScope busy(busy_);
     const long message = std::lround(x / twipsPerPixelX_);
-    if (message == kLeftDoubleClick) {
+    if (message == TrayIcon::kLeftDoubleClick) {
         if (actions_.LoadMeUp)
             actions_.LoadMeUp();
-    } else if (message == kRightButtonUp) {
+    } else if (message == TrayIcon::kRightButtonUp) {
         popUpMenu();
     }
 }

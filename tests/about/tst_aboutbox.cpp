@@ -29,8 +29,8 @@ private slots:
         QVERIFY(!form.isVisible());
     }
 
-    // The icon is drawn from the SVG compiled into the program at each size asked for, not scaled from
-    // one picture: at every size the badge fills the square and its pause bars are light on a dark body.
+    // The icon has a picture of its own for each common size, not one picture scaled: at every size
+    // the badge fills the square and its pause bars are light on a dark body.
     void programIconIsDrawnAtEverySize() {
         const QIcon icon = programIcon();
         for (const int size : {16, 22, 32, 256}) {

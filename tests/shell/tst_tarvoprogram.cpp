@@ -3,6 +3,8 @@
 #include "AppContext.h"
 #include "FakeActivityMonitor.h"
 #include "FakeClock.h"
+#include "FakeSingleInstance.h"
+#include "FakeTrayIcon.h"
 #include "ManualTimer.h"
 #include "MemoryRegistryStore.h"
 #include "RecordingProcessRunner.h"
@@ -10,47 +12,16 @@
 #include "RuntimeError.h"
 #include "ScriptedMessageBox.h"
 #include "SettingsKeys.h"
-#include "SingleInstance.h"
 #include "TarvoProgram.h"
 #include "Timer.h"
-#include "TrayIcon.h"
 #include "frmTarvo.h"
 
-#include <QMenu>
 #include <QTemporaryDir>
 #include <QtTest>
 
 using namespace tarvo;
 
 namespace {
-
-struct ScriptedInstance : SingleInstance {
-    bool previous = false;
-    QList<QPair<int, int>> sent; // handle, key code
-    std::function<void(int)> listener;
-    bool released = false;
-    bool previousInstance() override { return previous; }
-    std::int32_t handle() const override { return 4242; }
-    void listen(std::function<void(int)> onKeyDown) override { listener = std::move(onKeyDown); }
-    bool sendKeyDown(std::int32_t h, int code) override {
-        sent.append({h, code});
-        return true;
-    }
-    void release() override { released = true; }
-};
-
-struct RecordingTray : TrayIcon {
-    QString tip;
-    std::function<void(int)> onMessage;
-    int removed = 0;
-    void add(const QIcon&, const QString& t, std::function<void(int)> cb) override {
-        tip = t;
-        onMessage = std::move(cb);
-    }
-    void remove() override { ++removed; }
-    void popUp(QMenu&, const QPoint&) override {}
-    bool isEmbedded() const override { return true; }
-};
 
 struct Rig {
     MemoryRegistryStore store;
@@ -59,8 +30,8 @@ struct Rig {
     FakeActivityMonitor monitor;
     RecordingSoundPlayer sound;
     RecordingProcessRunner processes;
-    ScriptedInstance instance;
-    RecordingTray tray;
+    FakeSingleInstance instance;
+    FakeTrayIcon tray;
     ScriptedMessageBox messages;
     AppContext ctx{store, clock, timeline, monitor, sound, processes, instance, tray, messages};
     QTemporaryDir folder;
@@ -117,7 +88,7 @@ private slots:
         QVERIFY(rig.program.form().tMinutes().isEnabled() && rig.program.form().tSeconds().isEnabled());
         QCOMPARE(rig.ctx.schedule.MinutesToMicropause, 7);
         QCOMPARE(rig.ctx.schedule.LastActivityTimes, (std::array<std::int32_t, 2>{5000, 5000}));
-        QCOMPARE(rig.tray.tip, QStringLiteral("Tarvo Micropause"));
+        QCOMPARE(rig.tray.tip(), QStringLiteral("Tarvo Micropause"));
         QVERIFY(!rig.program.form().isVisible());
         QCOMPARE(rig.ctx.exercises.CurrentScheme, QStringLiteral("*Medium break"));
         QCOMPARE(rig.ctx.exercises.Exercises[0].File, QStringLiteral("title.avi"));
@@ -126,8 +97,8 @@ private slots:
         int key = -1, message = -1;
         rig.program.onKeyDown = [&](int k) { key = k; };
         rig.program.onTrayMessage = [&](int m) { message = m; };
-        rig.instance.listener(99);
-        rig.tray.onMessage(0x205);
+        QVERIFY(rig.instance.deliverKeyDown(99));
+        rig.tray.deliver(0x205);
         QCOMPARE(key, 99);
         QCOMPARE(message, 0x205);
 
@@ -137,9 +108,30 @@ private slots:
         rig.program.closeVideo = [&] { videoClosed = true; };
         rig.program.Form_Unload();
         QVERIFY(!rig.monitor.isOn(0) && !rig.monitor.isOn(1));
-        QCOMPARE(rig.tray.removed, 1);
+        QVERIFY(!rig.tray.added());
         QCOMPARE(rig.writtenKeys(), QStringList{"Options/tray=0"});
-        QVERIFY(videoClosed && rig.instance.released);
+        QVERIFY(videoClosed && !rig.instance.holdsLock() && !rig.instance.isListening());
+    }
+
+    // Apply saves the edited scheme between "ViewAm" and "Scheme" and moves the running countdowns.
+    void commitSavesTheSchemeInOrder() {
+        Rig rig;
+        rig.store.model().setValue(keys::Options, keys::Initialised, QStringLiteral("1"));
+        QVERIFY(rig.program.Form_Load());
+        ExerciseTable& table = rig.ctx.exercises;
+        table.Exercises[1] = {QStringLiteral("wrists.avi"), QStringLiteral("Circle your wrists"), 1, 20};
+        table.ExerciseCount = 1;
+        rig.ctx.record.InterruptEvery = 9;
+        rig.store.clearWrites();
+
+        rig.program.commitOptions();
+        const QStringList written = rig.writtenKeys();
+        const auto at = [&](const QString& entry) { return written.indexOf(entry); };
+        const QString scheme = QStringLiteral("Scheme*Medium break/");
+        QVERIFY(at(scheme + "1=wrists.avi") > at(QStringLiteral("Exercise/ViewAm=0")));
+        QVERIFY(at(scheme + "Num=1") > at(scheme + "1=wrists.avi"));
+        QCOMPARE(at(QStringLiteral("Exercise/Scheme=*Medium break")), at(scheme + "Num=1") + 1);
+        QCOMPARE(rig.ctx.schedule.MinutesToMicropause, 9); // 4 + the change of 5
     }
 
     void theEditorChoice() {
@@ -167,22 +159,22 @@ private slots:
     void aSecondStart() {
         {
             Rig rig; // the first instance is still starting: "tray" is 0
-            rig.instance.previous = true;
+            rig.instance.setOtherInstanceRunning(true);
             QVERIFY(!rig.program.Form_Load());
             QCOMPARE(rig.messages.shown().size(), size_t(1));
             QCOMPARE(rig.messages.shown()[0].text,
                      QStringLiteral("Tarvo Micropause is already running in the System Tray"));
             QCOMPARE(rig.messages.shown()[0].title, QStringLiteral("Tarvo"));
-            QVERIFY(rig.instance.sent.isEmpty() && rig.store.writes().empty());
+            QVERIFY(rig.instance.sent().empty() && rig.store.writes().empty());
         }
         for (const QString& line : {QString(), QStringLiteral("SHUTDOWN"), QStringLiteral("shut down")}) {
             Rig rig;
-            rig.instance.previous = true;
+            rig.instance.setOtherInstanceRunning(true);
             rig.store.model().setValue(keys::Options, keys::Tray, QStringLiteral("1234"));
             rig.ctx.commandLine = line;
             QVERIFY(!rig.program.Form_Load());
-            QCOMPARE(rig.instance.sent,
-                     (QList<QPair<int, int>>{{1234, line == QStringLiteral("SHUTDOWN") ? 99 : 0}}));
+            const FakeSingleInstance::Sent expected{1234, line == QStringLiteral("SHUTDOWN") ? 99 : 0};
+            QVERIFY(rig.instance.sent() == std::vector{expected});
             QVERIFY(rig.messages.shown().empty() && rig.store.writes().empty() &&
                     rig.processes.commands().isEmpty());
         }

@@ -27,7 +27,7 @@ private slots:
         loadMeUp_ = nullptr;
         icon_ = std::make_unique<FakeTrayIcon>();
         icon_->onPopUp = [this](QMenu&) { log_ << "popup"; };
-        storeSchemes({"*Medium break", "Mine"});
+        writeSchemeList(settings_, {"*Medium break", "Mine"});
         hook_ = makeHook(kTwips);
     }
 
@@ -60,7 +60,7 @@ private slots:
     // The menu goes up at the mouse with the scheme list as the store holds it at that moment.
     void popupShowsTheCurrentSchemesAtTheMouse() {
         hook_->pichook_MouseMove(0, 0, 0x205 * kTwips, 0);
-        storeSchemes({"Other", "*Medium break", "Third"});
+        writeSchemeList(settings_, {"Other", "*Medium break", "Third"});
         hook_->pichook_KeyDown(0, 0);
         QCOMPARE(icon_->popUps().size(), 2u);
         QCOMPARE(schemesShown(icon_->popUps()[0]), QStringList({"*Medium break", "Mine"}));
@@ -138,12 +138,6 @@ private:
                 names << popUp.captions[i];
         }
         return names;
-    }
-
-    void storeSchemes(const QStringList& names) {
-        settings_.writeNumber(kSchemesSection, QStringLiteral("Num"), std::int32_t(names.size()));
-        for (qsizetype i = 0; i < names.size(); ++i)
-            settings_.write(kSchemesSection, QString::number(i + 1), names[i]);
     }
 
     MemoryRegistryStore store_;

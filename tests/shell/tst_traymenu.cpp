@@ -44,13 +44,13 @@ private slots:
     // The list is read again on every call, in stored order; a shorter list takes surplus items away.
     void LoadMnuX_followsTheStore() {
         TrayMenu menu(schemeList(), wiredActions());
-        storeSchemes({"A", "B"});
+        writeSchemeList(settings_, {"A", "B"});
         menu.LoadMnuX();
-        storeSchemes({"C", "A", "B", "D"});
+        writeSchemeList(settings_, {"C", "A", "B", "D"});
         menu.LoadMnuX();
         QCOMPARE(items(menu).mid(6, 6), QStringList({"mnuPopupDash3 -", "mnuX_1 C", "mnuX_2 A", "mnuX_3 B",
                                                      "mnuX_4 D", "mnuPopupDash2 -"}));
-        storeSchemes({"B"});
+        writeSchemeList(settings_, {"B"});
         menu.LoadMnuX();
         QCOMPARE(items(menu).mid(6, 3), QStringList({"mnuPopupDash3 -", "mnuX_1 B", "mnuPopupDash2 -"}));
         QCOMPARE(menu.mnuPopup().findChildren<QAction*>(QRegularExpression("^mnuX_")).size(), 1);
@@ -59,10 +59,10 @@ private slots:
     // The designed element stays: with nothing stored, or a damaged "Num", it keeps its caption.
     void LoadMnuX_keepsTheDesignedElement() {
         TrayMenu menu(schemeList(), wiredActions());
-        storeSchemes({});
+        writeSchemeList(settings_, {});
         menu.LoadMnuX();
         QCOMPARE(items(menu).mid(7, 2), QStringList({"mnuX_1 Scheme", "mnuPopupDash2 -"}));
-        storeSchemes({"A", "B", "C"});
+        writeSchemeList(settings_, {"A", "B", "C"});
         menu.LoadMnuX();
         store_.setValue(kSchemesSection, QStringLiteral("Num"), QStringLiteral("three"));
         menu.LoadMnuX(); // must not throw: the menu has to come up whatever the store holds
@@ -72,9 +72,9 @@ private slots:
     // A scheme item names the scheme it shows at the time of the click.
     void eachItemReachesItsAction() {
         TrayMenu menu(schemeList(), wiredActions());
-        storeSchemes({"A", "B"});
+        writeSchemeList(settings_, {"A", "B"});
         menu.LoadMnuX();
-        storeSchemes({"*Medium break", "Mine"});
+        writeSchemeList(settings_, {"*Medium break", "Mine"});
         menu.LoadMnuX();
         for (QAction* action : menu.mnuPopup().actions())
             action->trigger();
@@ -108,13 +108,6 @@ private:
         };
         actions.shutdown = [this] { log_ << "shutdown"; };
         return actions;
-    }
-
-    // The list as the scheme store keeps it: "Num", then "1" ... "Num".
-    void storeSchemes(const QStringList& names) {
-        settings_.writeNumber(kSchemesSection, QStringLiteral("Num"), std::int32_t(names.size()));
-        for (qsizetype i = 0; i < names.size(); ++i)
-            settings_.write(kSchemesSection, QString::number(i + 1), names[i]);
     }
 
     MemoryRegistryStore store_;

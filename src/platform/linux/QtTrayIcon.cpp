@@ -16,13 +16,13 @@ namespace {
 int messageFor(QSystemTrayIcon::ActivationReason reason) {
     switch (reason) {
     case QSystemTrayIcon::Trigger:
-        return 0x202;
+        return TrayIcon::kLeftButtonUp;
     case QSystemTrayIcon::DoubleClick:
-        return 0x203;
+        return TrayIcon::kLeftDoubleClick;
     case QSystemTrayIcon::Context:
-        return 0x205;
+        return TrayIcon::kRightButtonUp;
     case QSystemTrayIcon::MiddleClick:
-        return 0x208;
+        return TrayIcon::kMiddleButtonUp;
     case QSystemTrayIcon::Unknown:
         break;
     }

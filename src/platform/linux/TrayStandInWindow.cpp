@@ -1,5 +1,7 @@
 #include "TrayStandInWindow.h"
 
+#include "TrayIcon.h"
+
 #include <QCloseEvent>
 #include <QContextMenuEvent>
 #include <QHBoxLayout>
@@ -10,10 +12,6 @@ namespace tarvo {
 
 namespace {
 
-constexpr int kLeftButtonUp = 0x202;
-constexpr int kLeftDoubleClick = 0x203;
-constexpr int kRightButtonUp = 0x205;
-constexpr int kMiddleButtonUp = 0x208;
 constexpr int kIconSize = 48;
 
 } // namespace
@@ -47,13 +45,13 @@ TrayStandInWindow::TrayStandInWindow(const QIcon& icon, const QString& title,
 void TrayStandInWindow::mouseReleaseEvent(QMouseEvent* event) {
     switch (event->button()) {
     case Qt::LeftButton:
-        onMessage_(kLeftButtonUp);
+        onMessage_(TrayIcon::kLeftButtonUp);
         break;
     case Qt::RightButton:
-        onMessage_(kRightButtonUp);
+        onMessage_(TrayIcon::kRightButtonUp);
         break;
     case Qt::MiddleButton:
-        onMessage_(kMiddleButtonUp);
+        onMessage_(TrayIcon::kMiddleButtonUp);
         break;
     default:
         QWidget::mouseReleaseEvent(event);
@@ -67,7 +65,7 @@ void TrayStandInWindow::mouseDoubleClickEvent(QMouseEvent* event) {
         QWidget::mouseDoubleClickEvent(event);
         return;
     }
-    onMessage_(kLeftDoubleClick);
+    onMessage_(TrayIcon::kLeftDoubleClick);
     event->accept();
 }
 
@@ -77,7 +75,7 @@ void TrayStandInWindow::contextMenuEvent(QContextMenuEvent* event) {
         event->ignore();
         return;
     }
-    onMessage_(kRightButtonUp);
+    onMessage_(TrayIcon::kRightButtonUp);
     event->accept();
 }
 
