@@ -12,10 +12,10 @@ Pose sideBend(float side) {
                        .fingers = {-0.5f, 1, 0},
                        .palm = {-1, 0, 0},
                        .open = 0.3f};
-    const ArmPose down{.wrist = {22, 12, 6},
-                       .elbowToward = {1, 0, -0.2f},
-                       .fingers = {0, -1, 0.2f},
-                       .palm = {-1, 0, 0},
+    const ArmPose down{.wrist = {18, 15, 20},
+                       .elbowToward = {1, -0.3f, -0.2f},
+                       .fingers = {0, -0.4f, 1},
+                       .palm = {0, -1, 0},
                        .open = 0.1f};
     Pose p;
     p.lean = -16 * side;

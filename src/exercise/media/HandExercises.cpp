@@ -107,7 +107,7 @@ Medium palmPress() {
 
 Medium palmTurn() {
     auto turned = [](QVector3D palm) {
-        return withArms({}, {.wrist = {16, 37, 31},
+        return withArms({}, {.wrist = {24, 41, 28},
                              .elbowToward = {0.2f, -1, -0.5f},
                              .fingers = {0, 0.05f, 1},
                              .palm = palm,
@@ -117,13 +117,14 @@ Medium palmTurn() {
     const Pose in = turned({-1, 0, 0});
     const Pose up = turned({0, 1, 0});
     return {.file = QStringLiteral("palmturn.avi"),
-            .view = views::threeQuarter,
-            .framing = {{0, 44, 22}, 74},
+            .view = views::front,
+            .framing = framing::hands,
             .motion = Motion({{down, 0.7f, 0.45f, Ease::In},
                               {in, 0, 0.45f, Ease::Out},
                               {up, 0.7f, 0.45f, Ease::In},
                               {in, 0, 0.45f, Ease::Out}}),
-            .hints = {arcHint(Anchor::RightHand, {0, 0}, 9, 210, 330, true)},
+            .hints = {arcHint(Anchor::RightHand, {0, 0}, 8, 200, 340, true),
+                      arcHint(Anchor::LeftHand, {0, 0}, 8, 200, 340, true)},
             .keepInFrame = {Anchor::LeftHand, Anchor::RightHand, Anchor::Head}};
 }
 

@@ -18,14 +18,15 @@ namespace {
 
 namespace p = proportions;
 
-// Short hair: the crown above a line from the brow to just over the ears, and the back of the head
-// behind the ears down to the nape. Each is the part of the ball beyond a plane.
+// Short hair: the crown above a line from the brow to just over the ears (lower on the head's left,
+// swept to one side), and the back of the head behind the ears down to the nape. Each is the part of
+// the ball beyond a plane.
 struct HairPart {
     QVector3D axis;
     float level; // in radii from the centre
 };
 const std::array<HairPart, 2> kHair{
-    {{QVector3D(0, 1, -0.25f).normalized(), 0.3f}, {QVector3D(0, 0.15f, -1).normalized(), 0.2f}}};
+    {{QVector3D(0.2f, 1, -0.25f).normalized(), 0.3f}, {QVector3D(0, 0.15f, -1).normalized(), 0.2f}}};
 // Hair stands a little off the scalp; this is how much larger its outline is than the head's.
 constexpr qreal kHairVolume = 1.07;
 
@@ -129,7 +130,8 @@ void paintEar(QPainter& painter, const HeadView& head, float side) {
 
 void paintEye(QPainter& painter, const HeadView& head, float side) {
     const QVector3D at = eyeAt(side);
-    if (head.facing(at) < 0.05f)
+    const float facing = head.facing(at);
+    if (facing < 0.05f)
         return;
     painter.setTransform(head.surfaceAt(at));
     const qreal line = head.pen(0.045) / head.radius;
@@ -141,6 +143,11 @@ void paintEye(QPainter& painter, const HeadView& head, float side) {
         painter.setPen(QPen(palette::eye, line * 1.2, Qt::SolidLine, Qt::RoundCap));
         painter.setBrush(Qt::NoBrush);
         painter.drawPath(lid);
+    } else if (facing < 0.45f) {
+        // Seen from the side the white would be a sliver; a dark eye reads better.
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(palette::eye);
+        painter.drawEllipse(QPointF(0, 0), 0.09, 0.09 * open);
     } else {
         const QRectF white(-0.14, -0.11 * open, 0.28, 0.22 * open);
         QPainterPath whitePath;
@@ -222,7 +229,7 @@ void paintHead(QPainter& painter, const Camera& camera, const Body& body) {
     for (float side : {-1.0f, 1.0f})
         if (head.facing({side, 0, -0.1f}) < 0.3f)
             paintEar(painter, head, side);
-    const QVector3D noseDir = body.head.rotatedVector({0, -0.12f, 1}).normalized();
+    const QVector3D noseDir = body.head.rotatedVector({0, -0.22f, 1}).normalized();
     const QPointF nose = camera.project(body.headCentre + noseDir * (p::headRadius * 0.98f));
     painter.setPen(QPen(palette::outlineOf(palette::skin), outline));
     painter.setBrush(palette::skin);
@@ -238,29 +245,41 @@ void paintHead(QPainter& painter, const Camera& camera, const Body& body) {
 
     QPainterPath ball;
     ball.addEllipse(head.centre, head.radius, head.radius);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(palette::skin);
-    painter.drawPath(ball);
-
-    painter.save();
-    painter.setClipPath(ball);
     QPainterPath hair;
     for (const HairPart& part : kHair)
         hair = hair.united(capOfBall(head.centre, head.radius, head.screenDirection(part.axis), part.level));
+    // Skin and hair meet edge to edge; painting one over the other would leave a seam of the lower one.
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(palette::skin);
+    painter.drawPath(ball.subtracted(hair));
     painter.setBrush(palette::hair);
     painter.drawPath(hair);
+
+    painter.save();
+    painter.setClipPath(ball);
     for (float side : {-1.0f, 1.0f})
         if (head.facing({side, 0, -0.1f}) >= 0.3f)
             paintEar(painter, head, side);
     paintFace(painter, head);
+    // The hairline, but not the hair's edge along the outline, which the volume already draws.
+    QPainterPath inside;
+    inside.addEllipse(head.centre, head.radius - outline, head.radius - outline);
+    painter.setClipPath(inside);
     painter.setPen(QPen(palette::outlineOf(palette::hair), outline * 0.8));
     painter.setBrush(Qt::NoBrush);
     painter.drawPath(hair);
     painter.restore();
 
+    // The face's outline, where there is no hair.
+    QPainterPath everywhere;
+    everywhere.addRect(QRectF(head.centre, QSizeF())
+                           .adjusted(-2 * head.radius, -2 * head.radius, 2 * head.radius, 2 * head.radius));
+    painter.save();
+    painter.setClipPath(everywhere.subtracted(hair.united(volume)));
     painter.setPen(QPen(palette::outlineOf(palette::skin), outline));
     painter.setBrush(Qt::NoBrush);
     painter.drawPath(ball);
+    painter.restore();
 }
 
 } // namespace tarvo
