@@ -1,0 +1,212 @@
+// The exercise movements: key poses and easing, where the arms end up, and the catalogue's data
+// checked frame by frame (every clip moves, loops without a jump and keeps its subject in the picture).
+#include "Body.h"
+#include "Catalogue.h"
+#include "FrameRenderer.h"
+#include "MediumEncoder.h"
+
+#include <QtTest>
+
+#include <cmath>
+
+using namespace tarvo;
+
+namespace {
+
+Pose turned(float degrees) {
+    Pose p;
+    p.headTurn = degrees;
+    return p;
+}
+
+// The points whose paths show the movement: head and face, the pupils and upper lids, shoulders,
+// elbows, wrists and finger tips (which curl towards the palm as the hand closes).
+std::vector<QVector3D> joints(const Pose& pose) {
+    const Body b = bodyFor(pose);
+    const float r = proportions::headRadius;
+    std::vector<QVector3D> j{
+        b.headCentre, b.headCentre + b.head.rotatedVector({0, 0, r}),
+        b.headCentre + b.head.rotatedVector(QVector3D(b.gazeX * 0.07f, b.gazeY * 0.055f, 0.93f) * r),
+        b.headCentre + b.head.rotatedVector(QVector3D(0, 0.06f + 0.11f * b.eyesOpen, 0.93f) * r)};
+    for (const Arm& a : b.arms) {
+        const Hand& h = a.hand;
+        const float curl = 1.3f * std::max(-h.open, 0.0f);
+        const QVector3D tip = h.wrist + h.fingers * 7.5f +
+                              (h.fingers * std::cos(curl) + h.palm * std::sin(curl)) * 7 +
+                              h.thumbSide * (3 * std::max(h.open, 0.0f));
+        j.insert(j.end(), {a.shoulder, a.elbow, h.wrist, tip});
+    }
+    return j;
+}
+
+float largestMove(const Pose& a, const Pose& b) {
+    const auto ja = joints(a);
+    const auto jb = joints(b);
+    float largest = 0;
+    for (size_t i = 0; i < ja.size(); ++i)
+        largest = std::max(largest, (ja[i] - jb[i]).length());
+    return largest;
+}
+
+bool near(const QVector3D& a, const QVector3D& b, float tolerance = 1e-3f) {
+    return (a - b).length() < tolerance;
+}
+
+} // namespace
+
+class TestExerciseMotion : public QObject {
+    Q_OBJECT
+
+private slots:
+    void movesThroughKeysAndLoops() {
+        const Motion m(
+            {{turned(0), 1.0f, 2.0f}, {turned(30), 0.5f, 1.0f, Ease::Linear}, {turned(-20), 0, 1.5f}});
+        QCOMPARE(m.period(), 6.0f);
+        QCOMPARE(m.at(0).headTurn, 0.0f);
+        QCOMPARE(m.at(0.9f).headTurn, 0.0f);              // held
+        QCOMPARE(m.at(2.0f).headTurn, 15.0f);             // half way, eased symmetrically
+        QVERIFY(m.at(1.4f).headTurn < 0.2f * 30);         // eased: slow off the mark
+        QCOMPARE(m.at(3.2f).headTurn, 30.0f);             // held at the second key
+        QCOMPARE(m.at(4.0f).headTurn, 5.0f);              // linear: half way from 30 to -20
+        QVERIFY(std::abs(m.at(5.999f).headTurn) < 0.01f); // the last key moves back to the first
+        QCOMPARE(m.at(8.0f).headTurn, m.at(2.0f).headTurn);
+        QCOMPARE(m.at(-1.0f).headTurn, m.at(5.0f).headTurn);
+
+        const Motion still({{turned(10), 3.0f, 5.0f}});
+        QCOMPARE(still.period(), 3.0f);
+        QCOMPARE(still.at(7.7f).headTurn, 10.0f);
+        QVERIFY_THROWS_EXCEPTION(std::invalid_argument, Motion({}));
+        QVERIFY_THROWS_EXCEPTION(std::invalid_argument, Motion({{turned(0), -1.0f, 1.0f}}));
+    }
+
+    void easingStartsAndEndsInPlace() {
+        for (Ease e : {Ease::Smooth, Ease::Linear, Ease::In, Ease::Out}) {
+            QCOMPARE(eased(e, 0), 0.0f);
+            QVERIFY(std::abs(eased(e, 1) - 1) < 1e-6f);
+            QCOMPARE(eased(e, -3), 0.0f);
+            QVERIFY(std::abs(eased(e, 4) - 1) < 1e-6f);
+            float last = 0;
+            for (int i = 1; i <= 20; ++i) {
+                const float v = eased(e, static_cast<float>(i) / 20);
+                QVERIFY(v >= last);
+                last = v;
+            }
+        }
+        QVERIFY(std::abs(eased(Ease::Smooth, 0.5f) - 0.5f) < 1e-6f);
+        QVERIFY(eased(Ease::In, 0.1f) < 0.1f && eased(Ease::Out, 0.1f) > 0.1f);
+    }
+
+    void armsReachWhereTheyAreTold() {
+        const QVector3D shoulder(17, 41, 0);
+        const QVector3D wrist(12, 27, 40);
+        const QVector3D elbow = elbowBetween(shoulder, wrist, {1, -1, 0}, 27, 25);
+        QVERIFY(std::abs((elbow - shoulder).length() - 27) < 1e-3f);
+        QVERIFY(std::abs((wrist - elbow).length() - 25) < 1e-3f);
+        QVERIFY(elbow.x() > shoulder.x()); // bent out to the side asked for
+        const QVector3D straight = elbowBetween(shoulder, {17, 41, 100}, {1, -1, 0}, 27, 25);
+        QVERIFY(near(straight, {17, 41, 27}));
+
+        // One description serves both arms: mirrored, with the thumbs on the inner side.
+        const Body b = bodyFor(Pose{});
+        const Hand& left = b.arms[LeftSide].hand;
+        const Hand& right = b.arms[RightSide].hand;
+        QVERIFY(near(left.wrist, {12, 27, 40}));
+        QVERIFY(near(right.wrist, {-12, 27, 40}));
+        QVERIFY(left.thumbSide.x() < 0 && right.thumbSide.x() > 0);
+        for (const Hand& h : {left, right}) {
+            QVERIFY(std::abs(QVector3D::dotProduct(h.fingers, h.palm)) < 1e-4f);
+            QVERIFY(std::abs(h.thumbSide.length() - 1) < 1e-4f);
+        }
+
+        // The hands go with the upper body when it turns.
+        Pose twisted;
+        twisted.twist = 90;
+        const Body t = bodyFor(twisted);
+        QVERIFY(near(t.arms[LeftSide].hand.wrist, {40, 27, -12}));
+        QVERIFY(t.headCentre.x() > 0 && std::abs(t.headCentre.z()) < 3);
+    }
+
+    void theCatalogueIsSound() {
+        const std::vector<Medium> media = builtInMedia();
+        QCOMPARE(media.front().file, QStringLiteral("title.avi"));
+        QCOMPARE(media.front().title, QStringLiteral("Gently now..."));
+        QCOMPARE(frameCountOf(media.front()), 10 * kFramesPerSecond);
+        QSet<QString> names;
+        int videos = 0;
+        for (const Medium& m : media) {
+            QVERIFY2(!names.contains(m.file), qPrintable(m.file));
+            names.insert(m.file);
+            QCOMPARE(m.file, m.file.toLower());
+            QVERIFY(!m.file.contains(QLatin1Char(' ')));
+            QVERIFY(m.file.endsWith(QLatin1String(".avi")) || m.file.endsWith(QLatin1String(".bmp")));
+            QVERIFY2(!m.keepInFrame.empty(), qPrintable(m.file));
+            if (m.isVideo()) {
+                ++videos;
+                QVERIFY2(m.motion.period() >= 1 && m.motion.period() <= 12, qPrintable(m.file));
+            } else {
+                QCOMPARE(m.motion.keys().size(), size_t(1)); // a picture holds one pose
+            }
+        }
+        QVERIFY(media.size() - 1 >= 16);
+        QVERIFY(videos - 1 > static_cast<int>(media.size()) - videos); // most exercises are videos
+    }
+
+    void everyClipMovesLoopsAndStaysInThePicture() {
+        const QRectF picture(QPointF(1, 1), QSizeF(kMediaSize) - QSizeF(2, 2));
+        for (const Medium& m : builtInMedia()) {
+            const int frames = m.isVideo() ? frameCountOf(m) : 1;
+            const float step = m.motion.period() / static_cast<float>(frames);
+            float largestStep = 0;
+            float farthest = 0; // from the first pose
+            for (int i = 0; i < frames; ++i) {
+                const float t = step * static_cast<float>(i);
+                for (Anchor a : m.keepInFrame) {
+                    const QRectF r = anchorBounds(m, t, a);
+                    QVERIFY2(picture.contains(r),
+                             qPrintable(QStringLiteral("%1 at %2 s: part %3 at %4,%5 %6x%7")
+                                            .arg(m.file)
+                                            .arg(t)
+                                            .arg(static_cast<int>(a))
+                                            .arg(r.x())
+                                            .arg(r.y())
+                                            .arg(r.width())
+                                            .arg(r.height())));
+                }
+                if (i > 0)
+                    largestStep = std::max(largestStep, largestMove(m.motion.at(t - step), m.motion.at(t)));
+                farthest = std::max(farthest, largestMove(m.motion.at(0), m.motion.at(t)));
+            }
+            if (!m.isVideo())
+                continue;
+            QVERIFY2(farthest > 0.5f, qPrintable(m.file + QStringLiteral(" does not move")));
+            // From the last frame back to the first is one more ordinary step: the loop shows no jump.
+            const float wrap =
+                largestMove(m.motion.at(step * static_cast<float>(frames - 1)), m.motion.at(0));
+            QVERIFY2(wrap <= largestStep * 1.2f + 0.01f,
+                     qPrintable(QStringLiteral("%1 jumps by %2 cm when it loops").arg(m.file).arg(wrap)));
+        }
+    }
+
+    void framesFollowThePoseAtAnySize() {
+        const std::vector<Medium> media = shoulderAndNeckExercises();
+        const auto turn = std::find_if(media.begin(), media.end(), [](const Medium& m) {
+            return m.file == QLatin1String("neckturn.avi");
+        });
+        QVERIFY(turn != media.end());
+        const float quarter = turn->motion.period() / 4;
+        const QImage ahead = renderFrame(*turn, 0);
+        const QImage aside = renderFrame(*turn, quarter);
+        QCOMPARE(ahead.size(), kMediaSize);
+        QVERIFY(ahead != aside);
+        QCOMPARE(renderFrame(*turn, 0), ahead); // the same moment draws the same picture
+
+        const QRectF small = anchorBounds(*turn, quarter, Anchor::Head);
+        const QRectF large = anchorBounds(*turn, quarter, Anchor::Head, QSize(960, 720));
+        QVERIFY(std::abs(large.width() - 3 * small.width()) < 0.01);
+        QVERIFY(std::abs(large.center().x() - 3 * small.center().x()) < 0.01);
+        QCOMPARE(renderFrame(*turn, quarter, QSize(960, 720)).size(), QSize(960, 720));
+    }
+};
+
+QTEST_MAIN(TestExerciseMotion)
+#include "tst_exercisemotion.moc"

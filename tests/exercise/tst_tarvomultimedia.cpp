@@ -1,0 +1,312 @@
+// The real tarvomultimedia program: it renders every built-in medium into a folder, and what it writes
+// is read back by our own AVI reader, by GStreamer (what the player uses) and by Qt's image readers;
+// the shipped schemes, imported by the real regedit, name exactly those files. Also leaves a contact
+// sheet of every exercise in the build's screenshots folder for a person to look at.
+#include "AviReader.h"
+#include "ExerciseTable.h"
+#include "FileRegistryStore.h"
+#include "SchemeStore.h"
+#include "SettingsStore.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFont>
+#include <QPainter>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <cmath>
+#include <map>
+
+namespace {
+
+struct Run {
+    int status = -1;
+    QString err;
+};
+
+const QStringList kSchemes{QStringLiteral("*Short Break"), QStringLiteral("*Medium Break"),
+                           QStringLiteral("*Long Break")};
+
+QByteArray contents(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+QStringList mediaIn(const QString& folder) {
+    return QDir(folder).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+}
+
+// A frame that shows the movement well: the one that differs most from the first.
+QImage telltaleFrame(const std::vector<QByteArray>& frames) {
+    const QImage first = QImage::fromData(frames.front(), "JPG").scaled(80, 60);
+    QImage best = QImage::fromData(frames.front(), "JPG");
+    qint64 bestDistance = -1;
+    for (const QByteArray& f : frames) {
+        const QImage image = QImage::fromData(f, "JPG");
+        const QImage small = image.scaled(80, 60);
+        qint64 distance = 0;
+        for (int y = 0; y < 60; ++y)
+            for (int x = 0; x < 80; ++x)
+                distance += std::abs(qGray(small.pixel(x, y)) - qGray(first.pixel(x, y)));
+        if (distance > bestDistance) {
+            bestDistance = distance;
+            best = image;
+        }
+    }
+    return best;
+}
+
+} // namespace
+
+class TestTarvoMultimedia : public QObject {
+    Q_OBJECT
+
+private:
+    QTemporaryDir dir_;
+    QString media_;
+    std::unique_ptr<tarvo::FileRegistryStore> store_; // the imported tarvo32.reg
+
+    Run run(const QString& program, const QStringList& args) const {
+        QProcess p;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), dir_.filePath(QStringLiteral("config")));
+        env.insert(QStringLiteral("XDG_RUNTIME_DIR"), dir_.path());
+        p.setProcessEnvironment(env);
+        p.start(QStringLiteral(TARVO_PROGRAM_DIR "/") + program, args);
+        if (!p.waitForFinished(240000))
+            return {};
+        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
+                QString::fromUtf8(p.readAllStandardError())};
+    }
+
+    QStringList videos() const { return QDir(media_).entryList({QStringLiteral("*.avi")}, QDir::Files); }
+    QStringList pictures() const { return QDir(media_).entryList({QStringLiteral("*.bmp")}, QDir::Files); }
+
+private slots:
+    void initTestCase() {
+        QVERIFY(dir_.isValid());
+        media_ = dir_.filePath(QStringLiteral("media"));
+        QVERIFY(QDir().mkpath(media_));
+        QElapsedTimer clock;
+        clock.start();
+        const Run r = run(QStringLiteral("tarvomultimedia"), {media_});
+        QVERIFY2(r.status == 0, qPrintable(r.err));
+        qInfo("Rendered %lld files in %lld ms", static_cast<long long>(mediaIn(media_).size()),
+              static_cast<long long>(clock.elapsed()));
+        // The shipped settings, imported as the first start does, into this test's own store.
+        const Run imported = run(QStringLiteral("regedit"),
+                                 {QStringLiteral("/s"), QStringLiteral(TARVO_PROGRAM_DIR "/tarvo32.reg")});
+        QCOMPARE(imported.status, 0);
+        store_ = std::make_unique<tarvo::FileRegistryStore>(
+            dir_.filePath(QStringLiteral("config/tarvo/registry.reg")));
+    }
+
+    void videosReadBackFrameByFrame() {
+        QVERIFY(videos().contains(QStringLiteral("title.avi")));
+        qint64 total = 0;
+        for (const QString& name : mediaIn(media_))
+            total += QFileInfo(QDir(media_).filePath(name)).size();
+        qInfo("All media together: %.1f MB", static_cast<double>(total) / 1e6);
+        QVERIFY(total < 20'000'000);
+
+        for (const QString& name : videos()) {
+            const AviFile avi = readAvi(contents(QDir(media_).filePath(name)));
+            QVERIFY2(avi.errors.isEmpty(),
+                     qPrintable(name + QLatin1Char(' ') + avi.errors.join(QLatin1Char(' '))));
+            QCOMPARE(avi.width, 320u);
+            QCOMPARE(avi.height, 240u);
+            QCOMPARE(avi.handler, QByteArray("MJPG"));
+            QCOMPARE(avi.frames.size(), size_t(avi.totalFrames));
+            QCOMPARE(avi.index.size(), size_t(avi.totalFrames));
+            QCOMPARE(avi.length, avi.totalFrames);
+            QVERIFY2(avi.totalFrames >= 12, qPrintable(name)); // at least a second of movement
+            for (const QByteArray& frame : avi.frames) {
+                const QImage image = QImage::fromData(frame, "JPG");
+                QVERIFY2(image.size() == QSize(320, 240), qPrintable(name));
+                QVERIFY(avi.suggestedBufferSize >= frame.size());
+            }
+            if (name == QLatin1String("title.avi"))
+                QCOMPARE(qRound(avi.totalFrames * avi.microSecPerFrame / 1e6), 10); // seconds
+        }
+    }
+
+    void gstreamerPlaysEveryVideo() {
+        const QString discoverer = QStandardPaths::findExecutable(QStringLiteral("gst-discoverer-1.0"));
+        if (discoverer.isEmpty())
+            QSKIP("gst-discoverer-1.0 is not installed (scripts/setup.sh installs it)");
+        const QRegularExpression duration(QStringLiteral("Duration: (\\d+):(\\d+):(\\d+\\.\\d+)"));
+        for (const QString& name : videos()) {
+            const QString path = QDir(media_).filePath(name);
+            QProcess p;
+            p.start(discoverer, {path});
+            QVERIFY(p.waitForFinished(60000));
+            const QString report = QString::fromUtf8(p.readAllStandardOutput());
+            QVERIFY2(p.exitCode() == 0 && report.contains(QStringLiteral("video #")),
+                     qPrintable(name + report));
+            QVERIFY2(report.contains(QStringLiteral("Width: 320")) &&
+                         report.contains(QStringLiteral("Height: 240")),
+                     qPrintable(report));
+            const auto m = duration.match(report);
+            QVERIFY2(m.hasMatch(), qPrintable(report));
+            const double seconds =
+                m.captured(1).toDouble() * 3600 + m.captured(2).toDouble() * 60 + m.captured(3).toDouble();
+            const AviFile avi = readAvi(contents(path));
+            const double expected = avi.totalFrames * avi.microSecPerFrame / 1e6;
+            QVERIFY2(
+                std::abs(seconds - expected) < 0.1,
+                qPrintable(QStringLiteral("%1: %2 s, expected %3 s").arg(name).arg(seconds).arg(expected)));
+        }
+    }
+
+    void picturesAre24BitBmps() {
+        QVERIFY(!pictures().isEmpty());
+        for (const QString& name : pictures()) {
+            const QByteArray bytes = contents(QDir(media_).filePath(name));
+            QVERIFY(bytes.startsWith("BM"));
+            QCOMPARE(qFromLittleEndian<quint16>(bytes.constData() + 28), quint16(24));
+            const QImage image = QImage::fromData(bytes, "BMP");
+            QCOMPARE(image.size(), QSize(320, 240));
+        }
+    }
+
+    void shippedSchemesPlayTheRenderedMedia() {
+        tarvo::SettingsStore settings(*store_);
+        QCOMPARE(tarvo::readSchemeList(settings), kSchemes);
+        // The default scheme's name (any case) finds one of them.
+        const QString chosen =
+            settings.readText(QStringLiteral("Exercise"), QStringLiteral("Scheme"), QString());
+        QVERIFY(kSchemes.contains(chosen, Qt::CaseInsensitive));
+
+        QSet<QString> used;
+        for (const QString& scheme : kSchemes) {
+            tarvo::ExerciseTable table;
+            tarvo::LoadScheme(settings, table, scheme);
+            QSet<QString> inScheme;
+            for (int i = 1; i <= table.ExerciseCount; ++i) {
+                const tarvo::ExerciseRecord& e = table.Exercises[static_cast<size_t>(i)];
+                const QString where =
+                    scheme + QLatin1Char(' ') + QString::number(i) + QLatin1Char(' ') + e.File;
+                QVERIFY2(QFileInfo::exists(QDir(media_).filePath(e.File)), qPrintable(where));
+                QVERIFY2(QFileInfo::exists(QStringLiteral(TARVO_PROGRAM_DIR "/") + e.File),
+                         qPrintable(where));
+                QVERIFY2(!inScheme.contains(e.File), qPrintable(where));
+                QVERIFY2(e.Include == 1 && e.Seconds >= 10 && e.Seconds <= 30, qPrintable(where));
+                QVERIFY2(!e.Caption.isEmpty() && e.Caption != QLatin1String("error!"), qPrintable(where));
+                inScheme.insert(e.File);
+            }
+            used += inScheme;
+            // Each scheme fills at least two breaks of its size, so successive breaks differ.
+            const int perBreak = scheme == kSchemes[0] ? 3 : scheme == kSchemes[1] ? 6 : 10;
+            QVERIFY2(table.ExerciseCount >= 2 * perBreak, qPrintable(scheme));
+        }
+        QVERIFY(!used.contains(QStringLiteral("title.avi")));
+        // Every rendered medium but the opening is played by some scheme, and nothing else is rendered.
+        const QStringList files = mediaIn(media_);
+        QSet<QString> rendered(files.begin(), files.end());
+        rendered.remove(QStringLiteral("title.avi"));
+        QCOMPARE(used, rendered);
+        QVERIFY(used.size() >= 16);
+    }
+
+    void anUnwritableFolderIsNamedAndLeftClean() {
+        // Root may write anywhere, so the folder is made impossible: its parent is a file.
+        QTemporaryDir scratch;
+        QFile blocker(scratch.filePath(QStringLiteral("blocker")));
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        blocker.close();
+        const QString folder = scratch.filePath(QStringLiteral("blocker/media"));
+        const Run r = run(QStringLiteral("tarvomultimedia"), {folder});
+        QCOMPARE(r.status, 1);
+        QVERIFY2(r.err.contains(QStringLiteral("cannot write")) && r.err.contains(folder), qPrintable(r.err));
+        QCOMPARE(mediaIn(scratch.path()), QStringList{QStringLiteral("blocker")});
+
+        QCOMPARE(run(QStringLiteral("tarvomultimedia"), {QStringLiteral("--bogus")}).status, 2);
+        QCOMPARE(run(QStringLiteral("tarvomultimedia"), {media_, media_}).status, 2);
+    }
+
+    void contactSheet() {
+        // One telling frame of every medium with its caption, for a person to judge the drawings.
+        std::map<QString, QString> captions{{QStringLiteral("title.avi"), tarvo::titleExercise().Caption}};
+        tarvo::SettingsStore settings(*store_);
+        for (const QString& scheme : kSchemes) {
+            tarvo::ExerciseTable table;
+            tarvo::LoadScheme(settings, table, scheme);
+            for (int i = 1; i <= table.ExerciseCount; ++i)
+                captions[table.Exercises[static_cast<size_t>(i)].File] =
+                    table.Exercises[static_cast<size_t>(i)].Caption;
+        }
+        QStringList names = mediaIn(media_);
+        names.removeAll(QStringLiteral("title.avi"));
+        names.prepend(QStringLiteral("title.avi"));
+        constexpr int columns = 4;
+        const QSize cell(320, 240 + 40);
+        const int rows = static_cast<int>((names.size() + columns - 1) / columns);
+        QImage sheet(columns * cell.width(), rows * cell.height(), QImage::Format_RGB32);
+        sheet.fill(Qt::white);
+        QPainter painter(&sheet);
+        painter.setRenderHint(QPainter::TextAntialiasing);
+        QFont font(QStringLiteral("DejaVu Sans"));
+        font.setPixelSize(12);
+        painter.setFont(font);
+        QImage upscaled;
+        for (int i = 0; i < names.size(); ++i) {
+            const QString path = QDir(media_).filePath(names[i]);
+            const QImage frame = names[i].endsWith(QLatin1String(".avi"))
+                                     ? telltaleFrame(readAvi(contents(path)).frames)
+                                     : QImage(path);
+            QVERIFY2(!frame.isNull(), qPrintable(names[i]));
+            const QPoint at((i % columns) * cell.width(), (i / columns) * cell.height());
+            painter.drawImage(at, frame);
+            const auto caption = captions.find(names[i]);
+            const QString text =
+                names[i] + QStringLiteral(": ") +
+                (caption != captions.end() ? caption->second : QStringLiteral("(in no scheme)"));
+            painter.drawText(QRect(at + QPoint(6, 242), QSize(cell.width() - 12, 36)), Qt::TextWordWrap,
+                             text);
+            if (names[i] == QLatin1String("shoulderroll.avi"))
+                upscaled = frame.scaled(960, 720, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        }
+        painter.end();
+        const QString folder = QStringLiteral(TARVO_SCREENSHOT_DIR);
+        QVERIFY(QDir().mkpath(folder));
+        QVERIFY(sheet.save(folder + QStringLiteral("/exercise_media.png")));
+        QVERIFY(!upscaled.isNull() && upscaled.save(folder + QStringLiteral("/exercise_media_960x720.png")));
+    }
+    void existingFilesAreLeftAlone() {
+        const QDir media(media_);
+        std::map<QString, QDateTime> before;
+        for (const QString& name : mediaIn(media_))
+            before[name] = QFileInfo(media.filePath(name)).lastModified();
+        // A clip of the user's own in place of a built-in one, and a built-in one gone missing.
+        const QString own = media.filePath(QStringLiteral("neckturn.avi"));
+        {
+            QFile f(own);
+            QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            f.write("my own clip");
+            QVERIFY(f.setFileTime(QDateTime(QDate(2001, 2, 3), QTime(4, 5, 6)),
+                                  QFileDevice::FileModificationTime));
+        }
+        const QDateTime ownTime = QFileInfo(own).lastModified();
+        QVERIFY(QFile::remove(media.filePath(QStringLiteral("shrug.avi"))));
+
+        const Run r = run(QStringLiteral("tarvomultimedia"), {media_});
+        QVERIFY2(r.status == 0, qPrintable(r.err));
+        QCOMPARE(contents(own), QByteArray("my own clip"));
+        QCOMPARE(QFileInfo(own).lastModified(), ownTime);
+        QVERIFY(readAvi(contents(media.filePath(QStringLiteral("shrug.avi")))).errors.isEmpty());
+        QStringList expected;
+        for (const auto& [name, time] : before) {
+            expected << name;
+            if (name != QLatin1String("neckturn.avi") && name != QLatin1String("shrug.avi"))
+                QVERIFY2(QFileInfo(media.filePath(name)).lastModified() == time, qPrintable(name));
+        }
+        QCOMPARE(mediaIn(media_), expected); // and no temporary files left behind
+    }
+};
+
+QTEST_MAIN(TestTarvoMultimedia)
+#include "tst_tarvomultimedia.moc"
