@@ -69,6 +69,8 @@ icon=$(docked_icon)
 wait_for 50 sh -c "grep -q '\"tray\"=\"$tarvo\"' '$store'" || fail "start-up did not write its handle to \"tray\""
 grep -q '"Initialised"="1"' "$store" || fail "the first run did not finish"
 grep -q '"InterruptEvery"="4"' "$store" || fail "the first run did not import the shipped defaults"
+grep -q -F '[HKEY_CURRENT_USER\Software\VB and VBA Program Settings\Tarvo Micropause\Scheme*Medium Break]' "$store" ||
+    fail "the first run did not import the built-in schemes"
 eval "$(xdotool getwindowgeometry --shell "$icon")"
 echo "ok - fresh profile initialised, icon docked at ${X},${Y}"
 
