@@ -22,6 +22,7 @@
 #include "frmAboutKelmar.h"
 #include "frmTarvo.h"
 
+#include <QApplication>
 #include <QTextStream>
 
 #include <cstring>
@@ -80,7 +81,9 @@ int runTarvo(int& argc, char** argv) {
         ctx.commandLine = wholeArgumentText(argc, argv);
         ctx.windir = qEnvironmentVariable("windir");
 
-        TarvoProgram program(ctx, programIcon());
+        const QIcon icon = programIcon();
+        QApplication::setWindowIcon(icon); // the status window and the About box carry it too
+        TarvoProgram program(ctx, icon);
         bool unloaded = false;
         const auto shutdown = [&] {
             if (!std::exchange(unloaded, true))
