@@ -1,5 +1,7 @@
 #include "CanberraSoundPlayer.h"
 
+#include "CanberraLibrary.h"
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -57,7 +59,7 @@ CanberraSoundPlayer::CanberraSoundPlayer(QString fallbackBeep, int syncTimeoutMs
 CanberraSoundPlayer::~CanberraSoundPlayer() {
     // Ends any sound still playing; pending callbacks are called (and free what they hold) here.
     if (context_)
-        ca_context_destroy(context_);
+        CanberraLibrary::get()->context_destroy(context_);
 }
 
 ca_context* CanberraSoundPlayer::context() {
@@ -66,16 +68,19 @@ ca_context* CanberraSoundPlayer::context() {
     const auto now = std::chrono::steady_clock::now();
     if (failedAt_ && now - *failedAt_ < kRetryAfter)
         return nullptr;
-    ca_context* ca = nullptr;
-    if (ca_context_create(&ca) == CA_SUCCESS) {
-        ca_context_change_props(ca, CA_PROP_APPLICATION_NAME, "Tarvo Micropause", CA_PROP_APPLICATION_ID,
-                                "tarvo-micropause", nullptr);
-        if (ca_context_open(ca) == CA_SUCCESS) {
+    const CanberraLibrary* const ca = CanberraLibrary::get();
+    if (!ca)
+        return nullptr; // not installed: silence, for good
+    ca_context* context = nullptr;
+    if (ca->context_create(&context) == CA_SUCCESS) {
+        ca->context_change_props(context, CA_PROP_APPLICATION_NAME, "Tarvo Micropause",
+                                 CA_PROP_APPLICATION_ID, "tarvo-micropause", nullptr);
+        if (ca->context_open(context) == CA_SUCCESS) {
             failedAt_.reset();
-            context_ = ca;
+            context_ = context;
             return context_;
         }
-        ca_context_destroy(ca);
+        ca->context_destroy(context);
     }
     failedAt_ = now;
     return nullptr;
@@ -83,18 +88,19 @@ ca_context* CanberraSoundPlayer::context() {
 
 void CanberraSoundPlayer::playSync(const QString& path) {
     const QByteArray file = playableFile(path);
-    ca_context* ca = file.isEmpty() ? nullptr : context();
-    if (!ca)
+    ca_context* context = file.isEmpty() ? nullptr : this->context();
+    if (!context)
         return;
+    const CanberraLibrary* const ca = CanberraLibrary::get();
     ca_proplist* props = nullptr;
-    if (ca_proplist_create(&props) != CA_SUCCESS)
+    if (ca->proplist_create(&props) != CA_SUCCESS)
         return;
-    ca_proplist_sets(props, CA_PROP_MEDIA_FILENAME, file.constData());
-    ca_proplist_sets(props, CA_PROP_CANBERRA_CACHE_CONTROL, "never"); // the user may change the file
+    ca->proplist_sets(props, CA_PROP_MEDIA_FILENAME, file.constData());
+    ca->proplist_sets(props, CA_PROP_CANBERRA_CACHE_CONTROL, "never"); // the user may change the file
     const auto completion = std::make_shared<Completion>();
     auto holder = std::make_unique<std::shared_ptr<Completion>>(completion);
-    const int result = ca_context_play_full(ca, nextId_++, props, onFinished, holder.get());
-    ca_proplist_destroy(props);
+    const int result = ca->context_play_full(context, nextId_++, props, onFinished, holder.get());
+    ca->proplist_destroy(props);
     if (result != CA_SUCCESS)
         return;       // libcanberra calls back only for a sound that started
     holder.release(); // now the callback's to free
@@ -105,21 +111,22 @@ void CanberraSoundPlayer::playSync(const QString& path) {
 
 void CanberraSoundPlayer::playAsync(const QString& path) {
     const QByteArray file = playableFile(path);
-    ca_context* ca = file.isEmpty() ? nullptr : context();
-    if (!ca)
+    ca_context* context = file.isEmpty() ? nullptr : this->context();
+    if (!context)
         return;
-    ca_context_play(ca, nextId_++, CA_PROP_MEDIA_FILENAME, file.constData(), CA_PROP_CANBERRA_CACHE_CONTROL,
-                    "never", nullptr);
+    CanberraLibrary::get()->context_play(context, nextId_++, CA_PROP_MEDIA_FILENAME, file.constData(),
+                                         CA_PROP_CANBERRA_CACHE_CONTROL, "never", nullptr);
 }
 
 void CanberraSoundPlayer::beep() {
-    ca_context* ca = context();
-    if (!ca)
+    ca_context* context = this->context();
+    if (!context)
         return;
     // Kept in the server's sample cache once played, so that the beeps of a pattern start on time
     // instead of each waiting for its file to be decoded and a stream to be set up.
-    const int result = ca_context_play(ca, nextId_++, CA_PROP_EVENT_ID, "bell", CA_PROP_EVENT_DESCRIPTION,
-                                       "Break warning", CA_PROP_CANBERRA_CACHE_CONTROL, "permanent", nullptr);
+    const int result = CanberraLibrary::get()->context_play(
+        context, nextId_++, CA_PROP_EVENT_ID, "bell", CA_PROP_EVENT_DESCRIPTION, "Break warning",
+        CA_PROP_CANBERRA_CACHE_CONTROL, "permanent", nullptr);
     if (result == CA_ERROR_NOTFOUND)
         playAsync(fallbackBeep_);
 }
