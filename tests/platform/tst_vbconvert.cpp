@@ -27,7 +27,7 @@ class TestVbConvert : public QObject {
     Q_OBJECT
 
 private slots:
-    void toLongOfText() {
+    void toLongBoundaries() {
         const auto shown = [](const QString& text, std::int32_t result) {
             return QStringLiteral("\"%1\" -> %2").arg(text).arg(result);
         };
