@@ -34,22 +34,14 @@ struct AnnouncedWarnings : Warnings {
     WarningSounds& sounds;
     explicit AnnouncedWarnings(WarningSounds& s)
         : sounds(s) {}
-    void AudibleWarningPre() override {
-        sounds.AudibleWarningPre();
-        say(QStringLiteral("pre-warning"));
+    void announce(void (WarningSounds::*warning)(), const char* what) {
+        (sounds.*warning)();
+        say(QLatin1String(what));
     }
-    void AudibleWarning() override {
-        sounds.AudibleWarning();
-        say(QStringLiteral("warning"));
-    }
-    void AudibleWarningX() override {
-        sounds.AudibleWarningX();
-        say(QStringLiteral("exercise warning"));
-    }
-    void AudibleNotification() override {
-        sounds.AudibleNotification();
-        say(QStringLiteral("notification"));
-    }
+    void AudibleWarningPre() override { announce(&WarningSounds::AudibleWarningPre, "pre-warning"); }
+    void AudibleWarning() override { announce(&WarningSounds::AudibleWarning, "warning"); }
+    void AudibleWarningX() override { announce(&WarningSounds::AudibleWarningX, "exercise warning"); }
+    void AudibleNotification() override { announce(&WarningSounds::AudibleNotification, "notification"); }
 };
 
 } // namespace

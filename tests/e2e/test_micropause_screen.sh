@@ -6,42 +6,10 @@
 set -euo pipefail
 harness=$1
 shots=$2
-for tool in Xvfb openbox xdotool xprop xwininfo xrandr; do
-    command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
-done
-# The harness must run on the X server whatever the caller's environment says.
-export QT_QPA_PLATFORM=xcb
-mkdir -p "$shots"
-work=$(mktemp -d)
-pids=()
-cleanup() {
-    for p in "${pids[@]}"; do kill "$p" 2>/dev/null || true; done
-    wait 2>/dev/null || true
-    rm -rf "$work"
-}
-trap cleanup EXIT
+. "$(dirname "$0")/lib.sh"
+needs Xvfb openbox xdotool xprop xwininfo xrandr
 fail() { echo "FAIL: $*"; exit 1; }
-
-# Waits up to $1 tenths of a second for a command to succeed.
-wait_for() {
-    local tries=$1; shift
-    for ((i = 0; i < tries; i++)); do "$@" >/dev/null 2>&1 && return 0; sleep 0.1; done
-    return 1
-}
-
-start_x() { # <width>x<height>
-    kill "${pids[@]}" 2>/dev/null || true
-    wait 2>/dev/null || true
-    pids=()
-    : >"$work/display"
-    Xvfb -displayfd 3 -screen 0 "$1x24" -nolisten tcp -noreset 3>"$work/display" 2>/dev/null &
-    pids+=($!)
-    wait_for 100 test -s "$work/display" || fail "Xvfb did not start"
-    export DISPLAY=":$(cat "$work/display")"
-    openbox >/dev/null 2>&1 &
-    pids+=($!)
-    wait_for 100 xprop -root _NET_SUPPORTING_WM_CHECK || fail "openbox did not start"
-}
+mkdir -p "$shots"
 
 start_harness() { # <log> <args...>
     local log=$1; shift

@@ -5,24 +5,9 @@
 #   test_tray_program.sh <program folder>
 set -euo pipefail
 bin=$1
-for tool in Xvfb openbox trayer xdotool xprop xwininfo; do
-    command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
-done
-export QT_QPA_PLATFORM=xcb
-work=$(mktemp -d)
-pids=()
-cleanup() {
-    for p in "${pids[@]}"; do kill -9 "$p" 2>/dev/null || true; done
-    wait 2>/dev/null || true
-    rm -rf "$work"
-}
-trap cleanup EXIT
+. "$(dirname "$0")/lib.sh"
+needs Xvfb openbox trayer xdotool xprop xwininfo
 fail() { echo "FAIL: $*"; [ -f "$work/tarvo.err" ] && sed 's/^/  tarvo: /' "$work/tarvo.err"; exit 1; }
-wait_for() { # <tenths of a second> <command...>
-    local tries=$1; shift
-    for ((i = 0; i < tries; i++)); do "$@" >/dev/null 2>&1 && return 0; sleep 0.1; done
-    return 1
-}
 visible_window() { xdotool search --onlyvisible --name "$1" >/dev/null 2>&1; }
 shown() { xdotool search --onlyvisible --pid "$tarvo" 2>/dev/null | wc -l; }
 more_shown_than() { [ "$(shown)" -gt "$1" ]; }
@@ -33,13 +18,7 @@ mkdir -p "$HOME" "$XDG_RUNTIME_DIR"
 chmod 700 "$XDG_RUNTIME_DIR"
 store=$XDG_CONFIG_HOME/tarvo/registry.reg
 
-Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp -noreset 3>"$work/display" 2>/dev/null &
-pids+=($!)
-wait_for 100 test -s "$work/display" || fail "Xvfb did not start"
-export DISPLAY=":$(cat "$work/display")"
-openbox >/dev/null 2>&1 &
-pids+=($!)
-wait_for 100 sh -c "xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'" || fail "openbox did not start"
+start_x 1024x768
 trayer --edge top --align right --widthtype request --height 24 --SetDockType true >/dev/null 2>&1 &
 pids+=($!)
 

@@ -77,22 +77,15 @@ private slots:
         QCOMPARE(still.at(7.7f).headTurn, 10.0f);
         QVERIFY_THROWS_EXCEPTION(std::invalid_argument, Motion({}));
         QVERIFY_THROWS_EXCEPTION(std::invalid_argument, Motion({{turned(0), -1.0f, 1.0f}}));
-    }
 
-    void easingStartsAndEndsInPlace() {
+        // Every easing starts and ends in place, clamps outside its move and never goes back.
         for (Ease e : {Ease::Smooth, Ease::Linear, Ease::In, Ease::Out}) {
             QCOMPARE(eased(e, 0), 0.0f);
-            QVERIFY(std::abs(eased(e, 1) - 1) < 1e-6f);
             QCOMPARE(eased(e, -3), 0.0f);
-            QVERIFY(std::abs(eased(e, 4) - 1) < 1e-6f);
-            float last = 0;
-            for (int i = 1; i <= 20; ++i) {
-                const float v = eased(e, static_cast<float>(i) / 20);
-                QVERIFY(v >= last);
-                last = v;
-            }
+            QVERIFY(std::abs(eased(e, 1) - 1) < 1e-6f && std::abs(eased(e, 4) - 1) < 1e-6f);
+            for (int i = 1; i <= 20; ++i)
+                QVERIFY(eased(e, float(i) / 20) >= eased(e, float(i - 1) / 20));
         }
-        QVERIFY(std::abs(eased(Ease::Smooth, 0.5f) - 0.5f) < 1e-6f);
         QVERIFY(eased(Ease::In, 0.1f) < 0.1f && eased(Ease::Out, 0.1f) > 0.1f);
     }
 
@@ -126,59 +119,36 @@ private slots:
         QVERIFY(t.headCentre.x() > 0 && std::abs(t.headCentre.z()) < 3);
     }
 
-    void theCatalogueIsSound() {
-        const std::vector<Medium> media = builtInMedia();
-        QCOMPARE(media.front().file, QStringLiteral("title.avi"));
-        QCOMPARE(media.front().title, QStringLiteral("Gently now..."));
-        QCOMPARE(frameCountOf(media.front()), 10 * kFramesPerSecond);
-        QSet<QString> names;
-        int videos = 0;
-        for (const Medium& m : media) {
-            QVERIFY2(!names.contains(m.file), qPrintable(m.file));
-            names.insert(m.file);
-            QCOMPARE(m.file, m.file.toLower());
-            QVERIFY(!m.file.contains(QLatin1Char(' ')));
-            QVERIFY(m.file.endsWith(QLatin1String(".avi")) || m.file.endsWith(QLatin1String(".bmp")));
-            QVERIFY2(!m.keepInFrame.empty(), qPrintable(m.file));
-            if (m.isVideo()) {
-                ++videos;
-                QVERIFY2(m.motion.period() >= 1 && m.motion.period() <= 12, qPrintable(m.file));
-            } else {
-                QCOMPARE(m.motion.keys().size(), size_t(1)); // a picture holds one pose
-            }
-        }
-        QVERIFY(media.size() - 1 >= 16);
-        QVERIFY(videos - 1 > static_cast<int>(media.size()) - videos); // most exercises are videos
-    }
-
+    // Every medium has a file of its own, keeps its named parts whole in the picture all through, and,
+    // as a video, moves and loops without a jump; a picture holds one pose.
     void everyClipMovesLoopsAndStaysInThePicture() {
         const QRectF picture(QPointF(1, 1), QSizeF(kMediaSize) - QSizeF(2, 2));
+        QSet<QString> names;
         for (const Medium& m : builtInMedia()) {
+            QVERIFY2(!names.contains(m.file) && (m.isVideo() || m.file.endsWith(QLatin1String(".bmp"))),
+                     qPrintable(m.file));
+            names.insert(m.file);
+            QVERIFY2(!m.keepInFrame.empty(), qPrintable(m.file)); // or nothing below would be checked
+            QVERIFY2(m.isVideo() ? m.motion.period() >= 1 && m.motion.period() <= 12
+                                 : m.motion.keys().size() == 1,
+                     qPrintable(m.file));
             const int frames = m.isVideo() ? frameCountOf(m) : 1;
             const float step = m.motion.period() / static_cast<float>(frames);
             float largestStep = 0;
             float farthest = 0; // from the first pose
             for (int i = 0; i < frames; ++i) {
                 const float t = step * static_cast<float>(i);
-                for (Anchor a : m.keepInFrame) {
-                    const QRectF r = anchorBounds(m, t, a);
-                    QVERIFY2(picture.contains(r),
-                             qPrintable(QStringLiteral("%1 at %2 s: part %3 at %4,%5 %6x%7")
-                                            .arg(m.file)
-                                            .arg(t)
-                                            .arg(static_cast<int>(a))
-                                            .arg(r.x())
-                                            .arg(r.y())
-                                            .arg(r.width())
-                                            .arg(r.height())));
-                }
+                for (Anchor a : m.keepInFrame)
+                    QVERIFY2(
+                        picture.contains(anchorBounds(m, t, a)),
+                        qPrintable(QStringLiteral("%1 at %2 s: part %3").arg(m.file).arg(t).arg(int(a))));
                 if (i > 0)
                     largestStep = std::max(largestStep, largestMove(m.motion.at(t - step), m.motion.at(t)));
                 farthest = std::max(farthest, largestMove(m.motion.at(0), m.motion.at(t)));
             }
             if (!m.isVideo())
                 continue;
-            QVERIFY2(farthest > 0.5f, qPrintable(m.file + QStringLiteral(" does not move")));
+            QVERIFY2(farthest > 0.5f, qPrintable(m.file + " does not move"));
             // From the last frame back to the first is one more ordinary step: the loop shows no jump.
             const float wrap =
                 largestMove(m.motion.at(step * static_cast<float>(frames - 1)), m.motion.at(0));
@@ -187,24 +157,17 @@ private slots:
         }
     }
 
-    void framesFollowThePoseAtAnySize() {
+    // The renderer draws the pose of the moment, and the same moment always alike.
+    void framesFollowThePose() {
         const std::vector<Medium> media = shoulderAndNeckExercises();
         const auto turn = std::find_if(media.begin(), media.end(), [](const Medium& m) {
             return m.file == QLatin1String("neckturn.avi");
         });
         QVERIFY(turn != media.end());
-        const float quarter = turn->motion.period() / 4;
         const QImage ahead = renderFrame(*turn, 0);
-        const QImage aside = renderFrame(*turn, quarter);
         QCOMPARE(ahead.size(), kMediaSize);
-        QVERIFY(ahead != aside);
-        QCOMPARE(renderFrame(*turn, 0), ahead); // the same moment draws the same picture
-
-        const QRectF small = anchorBounds(*turn, quarter, Anchor::Head);
-        const QRectF large = anchorBounds(*turn, quarter, Anchor::Head, QSize(960, 720));
-        QVERIFY(std::abs(large.width() - 3 * small.width()) < 0.01);
-        QVERIFY(std::abs(large.center().x() - 3 * small.center().x()) < 0.01);
-        QCOMPARE(renderFrame(*turn, quarter, QSize(960, 720)).size(), QSize(960, 720));
+        QVERIFY(ahead != renderFrame(*turn, turn->motion.period() / 4));
+        QCOMPARE(renderFrame(*turn, 0), ahead);
     }
 };
 

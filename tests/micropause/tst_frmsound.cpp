@@ -16,9 +16,9 @@ namespace {
 // A record whose three sound paths tell apart which one a form touched.
 SettingsRecord threePaths() {
     SettingsRecord settings;
-    settings.WarningSound = QStringLiteral("/snd/start.wav");
-    settings.WarningSoundX = QStringLiteral("/snd/exercise.wav");
-    settings.WarningSoundPre = QStringLiteral("/snd/pre.wav");
+    settings.WarningSound = "/snd/start.wav";
+    settings.WarningSoundX = "/snd/exercise.wav";
+    settings.WarningSoundPre = "/snd/pre.wav";
     return settings;
 }
 
@@ -62,15 +62,15 @@ private slots:
             QVERIFY(f.file()->isChecked() && !f.beeps()->isChecked());
             QCOMPARE(f.file()->text(), QLatin1String(caption[mode]));
 
-            f.choose(QStringLiteral("/home/u/Music/gong.wav"));
-            QCOMPARE(f.file()->text(), QStringLiteral("Sound card (gong.wav)"));
+            f.choose("/home/u/Music/gong.wav");
+            QCOMPARE(f.file()->text(), "Sound card (gong.wav)");
             QCOMPARE(f.dialog.requests().size(), 1u);
-            QCOMPARE(f.dialog.requests().front().filter, QStringLiteral("Audio|*.wav|All files|*.*"));
+            QCOMPARE(f.dialog.requests().front().filter, "Audio|*.wav|All files|*.*");
             QVERIFY(f.dialog.requests().front().fileMustExist);
             f.click("cmdOK");
             QCOMPARE(f.form.result(), int(QDialog::Accepted));
             SettingsRecord expected = threePaths(); // the other two warnings keep theirs
-            expected.*field[mode] = QStringLiteral("/home/u/Music/gong.wav");
+            expected.*field[mode] = "/home/u/Music/gong.wav";
             QVERIFY2(settings == expected, caption[mode]);
         }
     }
@@ -85,10 +85,10 @@ private slots:
             const SettingsRecord before = settings;
             Form f(settings, mode);
             QVERIFY(f.beeps()->isChecked() && !f.file()->isChecked());
-            QCOMPARE(f.file()->text(), QStringLiteral("Sound card audio file"));
+            QCOMPARE(f.file()->text(), "Sound card audio file");
             if (mode != 1) {
-                f.choose(QStringLiteral("/tmp/chime.wav"));
-                QCOMPARE(f.file()->text(), QStringLiteral("Sound card (chime.wav)"));
+                f.choose("/tmp/chime.wav");
+                QCOMPARE(f.file()->text(), "Sound card (chime.wav)");
             }
             f.click("cmdOK");
             QVERIFY2(settings == before, qPrintable(QString::number(mode)));
@@ -96,11 +96,12 @@ private slots:
     }
 
     // A file chosen and then given up for beeps: OK empties the path, unless the file is taken back.
-    void beepsAfterChoosingAFile() {
+    // A cancelled file dialog, and Cancel, change nothing.
+    void givingUpAChoice() {
         for (const bool takenBack : {false, true}) {
             SettingsRecord settings = threePaths();
             Form f(settings, 2);
-            f.choose(QStringLiteral("/tmp/chime.wav"));
+            f.choose("/tmp/chime.wav");
             f.beeps()->click();
             QVERIFY(!f.file()->isChecked());
             if (takenBack)
@@ -108,26 +109,23 @@ private slots:
             f.click("cmdOK");
             QCOMPARE(settings.WarningSoundPre, takenBack ? QStringLiteral("/tmp/chime.wav") : QString());
         }
-    }
 
-    void cancelsChangeNothing() {
         SettingsRecord settings = threePaths();
         Form f(settings, 0);
         f.dialog.cancelNext();
         f.click("cmdSound");
         QVERIFY(f.file()->isChecked());
-        QCOMPARE(f.file()->text(), QStringLiteral("Sound card (start.wav)"));
-        f.choose(QStringLiteral("/tmp/other.wav"));
+        QCOMPARE(f.file()->text(), "Sound card (start.wav)");
+        f.choose("/tmp/other.wav");
         f.click("cmdCancel");
         QCOMPARE(f.form.result(), int(QDialog::Rejected));
         QVERIFY(settings == threePaths());
     }
 
     void filterForQt() {
-        QCOMPARE(QtFileDialog::nameFilters(QStringLiteral("Audio|*.wav|All files|*.*")),
-                 QStringList({QStringLiteral("Audio (*.wav)"), QStringLiteral("All files (*)")}));
-        QCOMPARE(QtFileDialog::nameFilters(QStringLiteral("Media|*.avi; *.bmp|Odd")),
-                 QStringList{QStringLiteral("Media (*.avi *.bmp)")});
+        QCOMPARE(QtFileDialog::nameFilters("Audio|*.wav|All files|*.*"),
+                 QStringList({"Audio (*.wav)", "All files (*)"}));
+        QCOMPARE(QtFileDialog::nameFilters("Media|*.avi; *.bmp|Odd"), QStringList{"Media (*.avi *.bmp)"});
         QCOMPARE(QtFileDialog::nameFilters(QString()), QStringList());
     }
 };

@@ -24,12 +24,12 @@ struct Recorder : BreakView, Warnings, SchedulerPort {
     QStringList log;
     void prepareBreak(bool esc) override { log << QStringLiteral("prepare esc=%1").arg(esc); }
     void presentBreak(bool blank) override { log << QStringLiteral("present blank=%1").arg(blank); }
-    void dismissBreak() override { log << QStringLiteral("dismiss"); }
+    void dismissBreak() override { log << "dismiss"; }
     void showLastMicropause(const QString& t) override { log << t; }
-    void AudibleWarningPre() override { log << QStringLiteral("pre-warning"); }
-    void AudibleWarning() override { log << QStringLiteral("warning"); }
-    void AudibleWarningX() override { log << QStringLiteral("exercise warning"); }
-    void AudibleNotification() override { log << QStringLiteral("notification"); }
+    void AudibleWarningPre() override { log << "pre-warning"; }
+    void AudibleWarning() override { log << "warning"; }
+    void AudibleWarningX() override { log << "exercise warning"; }
+    void AudibleNotification() override { log << "notification"; }
     // The scheduler's port hands break ticks to the break under test.
     MicropauseBreak* brk = nullptr;
     void TarvoMicropause() override { brk->TarvoMicropause(); }
@@ -107,7 +107,7 @@ private slots:
         rig.timeline.advance(300);
         rig.brk.cmdCancel_Click();
         QCOMPARE(rig.ticksUntilOver(), 1); // the next tick ends it the ordinary way
-        QVERIFY(rig.rec.log.contains(QStringLiteral("Last tarvo micropause: 14:30")));
+        QVERIFY(rig.rec.log.contains("Last tarvo micropause: 14:30"));
 
         // Esc in the last tick sets the bar back one step: the break ends one tick later.
         rig.brk.TarvoMicropause();
@@ -121,7 +121,7 @@ private slots:
         rig.settings.DisableEsc = 1;
         rig.rec.log.clear();
         rig.brk.TarvoMicropause();
-        QCOMPARE(rig.rec.log.first(), QStringLiteral("prepare esc=0"));
+        QCOMPARE(rig.rec.log.first(), "prepare esc=0");
         rig.brk.cmdCancel_Click();
         QCOMPARE(rig.bar.Value(), 1);
         QCOMPARE(rig.ticksUntilOver(), 149);
@@ -158,7 +158,7 @@ private slots:
             QFAIL("a break of 0 seconds started");
         } catch (const RuntimeError& e) {
             QCOMPARE(e.number(), vberr::objectError(3));
-            QCOMPARE(e.description(), QStringLiteral("Max property must be greater than Min."));
+            QCOMPARE(e.description(), "Max property must be greater than Min.");
         }
         QVERIFY(!rig.state.InMicropause);
         QVERIFY(!rig.tSeconds->isEnabled());

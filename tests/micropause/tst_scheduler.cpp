@@ -95,10 +95,10 @@ private slots:
             rig.settings.IntelliReset = c.intelliReset;
             rig.scheduler.SetTimers();
             rig.run(c.minutes, c.channel);
-            const QString name = QLatin1String(c.name) + QStringLiteral(": ");
+            const QString name = QLatin1String(c.name) + ": ";
             // The calls, then the exercise countdown, which stands still while the prompt is up.
-            const QString got = rig.calls.join(QStringLiteral(", ")) +
-                                QStringLiteral(" | %1").arg(rig.state.MinutesToExercise);
+            const QString got =
+                rig.calls.join(", ") + QStringLiteral(" | %1").arg(rig.state.MinutesToExercise);
             QCOMPARE(name + got.trimmed(), name + QLatin1String(c.calls));
         }
     }
@@ -107,10 +107,10 @@ private slots:
         Rig rig;
         rig.settings.EveryM = 60;
         rig.scheduler.SetTimers();
-        QCOMPARE(rig.exerciseText, QStringLiteral("Next Exercise Break: 59 minutes"));
+        QCOMPARE(rig.exerciseText, "Next Exercise Break: 59 minutes");
         rig.run(2, -1);
-        QCOMPARE(rig.exerciseText, QStringLiteral("Next Exercise Break: 57 minutes"));
-        QCOMPARE(rig.voluntaryText, QStringLiteral("Last natural micropause: 09:02"));
+        QCOMPARE(rig.exerciseText, "Next Exercise Break: 57 minutes");
+        QCOMPARE(rig.voluntaryText, "Last natural micropause: 09:02");
         QCOMPARE(rig.voluntaryWrites, 8);
         rig.settings.IntelliReset = 0;
         rig.run(1, -1);
@@ -126,7 +126,7 @@ private slots:
         rig.tSeconds.fire();
         rig.state.InExerciseBreak = true;
         rig.tSeconds.fire();
-        QCOMPARE(rig.calls.join(QStringLiteral(", ")), QStringLiteral("0 break tick, 0 exercise tick"));
+        QCOMPARE(rig.calls.join(", "), "0 break tick, 0 exercise tick");
         QCOMPARE(rig.voluntaryWrites, 0);
 
         // A stamp that went down (the tick count wrapped) is no activity, and the next check compares

@@ -27,7 +27,7 @@ private slots:
         FakeClock clock(2147483000);
         clock.advance(1000);
         QCOMPARE(clock.tickCount(), -2147483296); // wraps to negative like the real one
-        QCOMPARE(formatHhNn(QDateTime(QDate(2026, 1, 2), QTime(9, 5, 59))), QStringLiteral("09:05"));
+        QCOMPARE(formatHhNn(QDateTime(QDate(2026, 1, 2), QTime(9, 5, 59))), "09:05");
     }
 
     void qtTimerFiresOnlyWhenEnabledWithAnInterval() {

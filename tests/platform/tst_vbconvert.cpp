@@ -27,62 +27,31 @@ class TestVbConvert : public QObject {
     Q_OBJECT
 
 private slots:
-    void toLongAcceptsNumbers_data() {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("expected");
-        QTest::newRow("plain") << "15" << 15;
-        QTest::newRow("blanks around") << " 15 " << 15;
-        QTest::newRow("tab") << "\t7" << 7;
-        QTest::newRow("plus") << "+3" << 3;
-        QTest::newRow("minus one") << "-1" << -1;
-        QTest::newRow("leading zeros") << "007" << 7;
-        QTest::newRow("half to even down") << "2.5" << 2;
-        QTest::newRow("half to even up") << "3.5" << 4;
-        QTest::newRow("negative half") << "-2.5" << -2;
-        QTest::newRow("just above half") << "2.5000001" << 3;
-        QTest::newRow("below half") << "2.4999" << 2;
-        QTest::newRow("point only fraction") << ".5" << 0;
-        QTest::newRow("trailing point") << "5." << 5;
-        QTest::newRow("max") << "2147483647" << 2147483647;
-        QTest::newRow("min") << "-2147483648" << int(-2147483647 - 1);
-        QTest::newRow("max by rounding down") << "2147483647.4" << 2147483647;
-        QTest::newRow("even rounding at max-1") << "2147483646.5" << 2147483646;
-        QTest::newRow("hex") << "&H1F" << 31;
-        QTest::newRow("hex lower") << "&hff" << 255;
-        QTest::newRow("hex all ones") << "&HFFFFFFFF" << -1;
-        QTest::newRow("hex sign bit") << "&H80000000" << int(-2147483647 - 1);
-    }
-    void toLongAcceptsNumbers() {
-        QFETCH(QString, text);
-        QFETCH(int, expected);
-        QCOMPARE(vb::toLong(text), expected);
-    }
+    void toLongBoundaries() {
+        const auto shown = [](const QString& text, std::int32_t result) {
+            return QStringLiteral("\"%1\" -> %2").arg(text).arg(result);
+        };
+        // Fractions round half to even.
+        // clang-format off
+        const std::pair<QString, std::int32_t> numbers[] = {
+            {"15", 15}, {" 15 ", 15}, {"\t7", 7}, {"+3", 3}, {"-1", -1}, {"007", 7}, {"2.5", 2}, {"3.5", 4},
+            {"-2.5", -2}, {"2.5000001", 3}, {"2.4999", 2}, {".5", 0}, {"5.", 5}, {"2147483647", 2147483647},
+            {"-2147483648", -2147483647 - 1}, {"2147483647.4", 2147483647}, {"2147483646.5", 2147483646},
+            {"&H1F", 31}, {"&hff", 255}, {"&HFFFFFFFF", -1}, {"&H80000000", -2147483647 - 1}};
+        // clang-format on
+        for (const auto& [text, expected] : numbers)
+            QCOMPARE(shown(text, vb::toLong(text)), shown(text, expected));
 
-    void toLongRejects_data() {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("error");
-        QTest::newRow("letters") << "abc" << int(vberr::TypeMismatch);
-        QTest::newRow("empty") << "" << int(vberr::TypeMismatch);
-        QTest::newRow("blanks only") << "   " << int(vberr::TypeMismatch);
-        QTest::newRow("exponent with junk") << "1e5x" << int(vberr::TypeMismatch);
-        QTest::newRow("exponent") << "1e5" << int(vberr::TypeMismatch);
-        QTest::newRow("thousands") << "1,000" << int(vberr::TypeMismatch);
-        QTest::newRow("two points") << "1.2.3" << int(vberr::TypeMismatch);
-        QTest::newRow("sign only") << "-" << int(vberr::TypeMismatch);
-        QTest::newRow("inner blank") << "1 2" << int(vberr::TypeMismatch);
-        QTest::newRow("hex without digits") << "&H" << int(vberr::TypeMismatch);
-        QTest::newRow("hex bad digit") << "&HFG" << int(vberr::TypeMismatch);
-        QTest::newRow("eleven digits") << "99999999999" << int(vberr::Overflow);
-        QTest::newRow("max plus one") << "2147483648" << int(vberr::Overflow);
-        QTest::newRow("min minus one") << "-2147483649" << int(vberr::Overflow);
-        QTest::newRow("rounds past max") << "2147483647.5" << int(vberr::Overflow);
-        QTest::newRow("huge") << QString(400, QLatin1Char('9')) << int(vberr::Overflow);
-        QTest::newRow("hex nine digits") << "&H100000000" << int(vberr::Overflow);
-    }
-    void toLongRejects() {
-        QFETCH(QString, text);
-        QFETCH(int, error);
-        QCOMPARE(errorOf([&] { vb::toLong(text); }), error);
+        // Not numbers, and numbers that do not fit: the error raised.
+        const std::pair<QStringList, std::int32_t> rejected[] = {
+            {{"abc", "", "   ", "1e5x", "1e5", "1,000", "1.2.3", "-", "1 2", "&H", "&HFG"},
+             vberr::TypeMismatch},
+            {{"99999999999", "2147483648", "-2147483649", "2147483647.5", QString(400, QLatin1Char('9')),
+              "&H100000000"},
+             vberr::Overflow}};
+        for (const auto& [texts, error] : rejected)
+            for (const QString& text : texts)
+                QCOMPARE(shown(text, errorOf([&] { vb::toLong(text); })), shown(text, error));
     }
 
     void integerAndDoubleConversions() {
@@ -121,18 +90,16 @@ private slots:
 
     void errorReports() {
         const RuntimeError overflow(vberr::Overflow);
-        QCOMPARE(overflow.report(), QStringLiteral("Run-time error '6':\n\nOverflow"));
-        const RuntimeError mismatch(vberr::TypeMismatch, {}, {},
-                                    QStringLiteral("The setting \"x\" holds \"y\"."));
+        QCOMPARE(overflow.report(), "Run-time error '6':\n\nOverflow");
+        const RuntimeError mismatch(vberr::TypeMismatch, {}, {}, "The setting \"x\" holds \"y\".");
         QCOMPARE(mismatch.report(),
-                 QStringLiteral("Run-time error '13':\n\nType mismatch\n\nThe setting \"x\" holds \"y\"."));
+                 "Run-time error '13':\n\nType mismatch\n\nThe setting \"x\" holds \"y\".");
         // Object errors show their signed number and the hexadecimal pattern.
-        const RuntimeError bar(vberr::objectError(3),
-                               QStringLiteral("Max property must be greater than Min."),
-                               QStringLiteral("CProgressBar.Max"));
+        const RuntimeError bar(vberr::objectError(3), "Max property must be greater than Min.",
+                               "CProgressBar.Max");
         QCOMPARE(bar.number(), -2147221501);
-        QVERIFY(bar.report().startsWith(QStringLiteral("Run-time error '-2147221501 (80040003)':")));
-        QCOMPARE(bar.source(), QStringLiteral("CProgressBar.Max"));
+        QVERIFY(bar.report().startsWith("Run-time error '-2147221501 (80040003)':"));
+        QCOMPARE(bar.source(), "CProgressBar.Max");
     }
 };
 

@@ -41,7 +41,7 @@ private:
     // runs, so that the monitor sees the events as they come, as it would in the program.
     void xdotool(const QString& arguments) {
         QProcess process;
-        process.start(QStringLiteral("xdotool"), arguments.split(u' '));
+        process.start("xdotool", arguments.split(u' '));
         QVERIFY(process.waitForStarted());
         QTRY_COMPARE_WITH_TIMEOUT(process.state(), QProcess::NotRunning, 10000);
         QVERIFY2(process.exitCode() == 0, process.readAllStandardError().constData());
@@ -74,7 +74,7 @@ private slots:
         auto monitor = openMonitor({0});
         QVERIFY(monitor);
         std::int32_t before = SystemClock::currentTickCount();
-        xdotool(QStringLiteral("mousemove_relative 3 3 key a"));
+        xdotool("mousemove_relative 3 3 key a");
         QTRY_VERIFY_WITH_TIMEOUT(monitor->VexGetTime(0) != 0, 3000);
         QVERIFY(between(before, monitor->VexGetTime(0), SystemClock::currentTickCount()));
         QCOMPARE(monitor->VexGetTime(1), 0);
@@ -82,14 +82,14 @@ private slots:
 
         const std::int32_t first = monitor->VexGetTime(0);
         monitor->InstallFilter(1, true);
-        xdotool(QStringLiteral("key b"));
+        xdotool("key b");
         QTRY_VERIFY_WITH_TIMEOUT(monitor->VexGetTime(0) > first, 3000);
         QCOMPARE(monitor->VexGetTime(1), 0);
 
         const std::int32_t key = monitor->VexGetTime(0);
         monitor->InstallFilter(0, false);
         before = SystemClock::currentTickCount();
-        xdotool(QStringLiteral("key a mousemove_relative 7 5"));
+        xdotool("key a mousemove_relative 7 5");
         QTRY_VERIFY_WITH_TIMEOUT(monitor->VexGetTime(1) != 0, 3000);
         QVERIFY(between(before, monitor->VexGetTime(1), SystemClock::currentTickCount()));
         QCOMPARE(monitor->VexGetTime(0), key);
@@ -119,9 +119,9 @@ private slots:
         FakeClock clock(123456);
         auto monitor = openMonitor({1}, &clock);
         QVERIFY(monitor);
-        xdotool(QStringLiteral("mousemove_relative 2 2"));
+        xdotool("mousemove_relative 2 2");
         QTRY_COMPARE_WITH_TIMEOUT(monitor->VexGetTime(1), 123456, 3000);
-        xdotool(QStringLiteral("mousemove_relative -- -2 -2"));
+        xdotool("mousemove_relative -- -2 -2");
         QTRY_COMPARE_WITH_TIMEOUT(monitor->VexGetTime(1), 123457, 3000);
     }
 
@@ -130,12 +130,12 @@ private slots:
     void fallbackWithoutX11Display() {
         std::FILE* messages = std::tmpfile();
         QVERIFY(messages);
-        auto offscreen = createActivityMonitor(QStringLiteral("offscreen"), messages);
+        auto offscreen = createActivityMonitor("offscreen", messages);
         QVERIFY(readAll(messages).isEmpty());
         for (const auto& [channel, on] :
              {std::pair{0, true}, std::pair{1, true}, std::pair{0, false}, std::pair{0, true}})
             offscreen->InstallFilter(channel, on);
-        xdotool(QStringLiteral("key a mousemove_relative 4 4"));
+        xdotool("key a mousemove_relative 4 4");
         QCOMPARE(offscreen->VexGetTime(0), 0);
         QCOMPARE(offscreen->VexGetTime(1), 0);
         const QString said = readAll(messages);
@@ -164,7 +164,7 @@ private slots:
         std::fclose(messages);
         qunsetenv("WAYLAND_DISPLAY");
         qputenv("DISPLAY", xvfb_.display());
-        QVERIFY(dynamic_cast<X11ActivityMonitor*>(createActivityMonitor(QStringLiteral("xcb")).get()));
+        QVERIFY(dynamic_cast<X11ActivityMonitor*>(createActivityMonitor("xcb").get()));
     }
 };
 
