@@ -22,9 +22,14 @@ public:
     virtual QDateTime localNow() const = 0;
 };
 
-// A time of day as the status texts show it: two-digit hour and minute, "09:05".
+// A time of day as the status texts show it: two-digit hour and minute, "09:05". Built from the
+// numbers rather than through a date format, which would parse its pattern and consult the calendar
+// on every idle check.
 inline QString formatHhNn(const QDateTime& t) {
-    return t.toString(QStringLiteral("HH:mm"));
+    const QTime time = t.time();
+    return QStringLiteral("%1:%2")
+        .arg(time.hour(), 2, 10, QLatin1Char('0'))
+        .arg(time.minute(), 2, 10, QLatin1Char('0'));
 }
 
 } // namespace tarvo
