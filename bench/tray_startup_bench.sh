@@ -5,24 +5,18 @@
 #   bench/tray_startup_bench.sh [program folder]      (default: build/bin)
 set -euo pipefail
 bin=$(cd "${1:-$(dirname "$0")/../build/bin}" && pwd)
-work=$(mktemp -d)
-pids=()
-cleanup() {
-    for p in "${pids[@]}"; do kill -9 "$p" 2>/dev/null || true; done
-    wait 2>/dev/null || true
-    rm -rf "$work"
-}
-trap cleanup EXIT
-export QT_QPA_PLATFORM=xcb HOME=$work/home XDG_CONFIG_HOME=$work/config XDG_RUNTIME_DIR=$work/runtime
+# The scratch folder $work, the processes in $pids that end with the script, wait_for.
+source "$(dirname "$0")/../tests/e2e/lib.sh"
+export HOME=$work/home XDG_CONFIG_HOME=$work/config XDG_RUNTIME_DIR=$work/runtime
 mkdir -p "$HOME" "$XDG_RUNTIME_DIR" && chmod 700 "$XDG_RUNTIME_DIR"
 
 Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset 3>"$work/display" 2>/dev/null &
 pids+=($!)
-for _ in $(seq 100); do [ -s "$work/display" ] && break; sleep 0.1; done
+wait_for 100 test -s "$work/display"
 export DISPLAY=":$(cat "$work/display")"
 trayer --edge top --align right --widthtype request --height 24 >/dev/null 2>&1 &
 pids+=($!)
-for _ in $(seq 100); do xdotool search --class trayer >/dev/null 2>&1 && break; sleep 0.1; done
+wait_for 100 xdotool search --class trayer
 # One session bus for every start, as on a desktop (the tray icon looks for a watcher on it first).
 eval "$(dbus-daemon --session --fork --print-address=1 --print-pid=1 --nopidfile |
     { read -r a && read -r p && echo "export DBUS_SESSION_BUS_ADDRESS=$a; pids+=($p)"; })"
