@@ -23,6 +23,7 @@ top_window_name() {
     ids=$(xprop -root _NET_CLIENT_LIST_STACKING | sed 's/.*# //; s/,//g')
     xdotool getwindowname "${ids##* }"
 }
+break_on_top() { [ "$(top_window_name)" = "Tarvo Micropause" ]; } # a command, so wait_for asks anew
 
 # --- two monitors side by side, the break blanks both ------------------------------------------------
 start_x 2048x768
@@ -39,7 +40,7 @@ xdotool mousemove 200 200
 start_harness "$work/blank.log" --seconds 30 --blank 1
 wait_for 100 grep -q started "$work/blank.log" || fail "the break did not start: $(cat "$work/blank.log.err")"
 grep -q 'screen .* 1024x768+1024+0' "$work/blank.log" || fail "the program did not see two monitors: $(cat "$work/blank.log")"
-wait_for 50 test "$(top_window_name)" = "Tarvo Micropause" || fail "the break screen is not above the other windows ($(top_window_name))"
+wait_for 50 break_on_top || fail "the break screen is not above the other windows ($(top_window_name))"
 breakwin=$(xdotool search --name '^Tarvo Micropause$' | head -n 1)
 geometry=$(xwininfo -id "$breakwin" | awk '/Absolute upper-left X/{x=$NF} /Absolute upper-left Y/{y=$NF} /Width/{w=$NF} /Height/{h=$NF} END{print w"x"h"+"x"+"y}')
 [ "$geometry" = "1024x768+0+0" ] || fail "the break screen does not cover the monitor with the mouse: $geometry"
@@ -50,7 +51,7 @@ xdotool key Escape
 wait_for 20 grep -q ended "$work/blank.log" || fail "Esc did not end the break"
 wait_for 20 sh -c "! kill -0 $harness_pid 2>/dev/null" || fail "the harness did not finish"
 grep -q notification "$work/blank.log" || fail "the break ended without its end notification"
-wait_for 20 test "$(xdotool getwindowfocus getwindowname)" = "Busy work" ||
+wait_for 20 sh -c '[ "$(xdotool getwindowfocus getwindowname)" = "Busy work" ]' ||
     fail "the keyboard did not go back to the window the user was working in"
 echo "ok - a blanked break covers both monitors, stays on top, ends with Esc and gives the keyboard back"
 
@@ -58,7 +59,7 @@ echo "ok - a blanked break covers both monitors, stays on top, ends with Esc and
 start_harness "$work/plain.log" --seconds 2 --blank 0
 wait_for 100 grep -q started "$work/plain.log" || fail "the plain break did not start"
 started=$(date +%s%N)
-wait_for 30 test "$(top_window_name)" = "Tarvo Micropause" || fail "the plain break screen is not on top"
+wait_for 30 break_on_top || fail "the plain break screen is not on top"
 wait_for 50 grep -q ended "$work/plain.log" || fail "the plain break did not end by itself"
 elapsed=$((($(date +%s%N) - started) / 1000000))
 ((elapsed >= 1500)) || fail "the 2-second break ended after only $elapsed ms"
