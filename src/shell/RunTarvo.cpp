@@ -104,10 +104,7 @@ int runTarvo(int& argc, char** argv) {
             about->raise();
         };
         actions.micropauseNow = [&] { program.form().TarvoMicropause(); };
-        actions.scheme = [&](int, const QString& name) {
-            ctx.exercises.CurrentScheme = name;
-            LoadScheme(ctx.settings, ctx.exercises, name);
-        };
+        actions.scheme = [&](int, const QString& name) { program.useScheme(name); };
         actions.shutdown = shutdown;
         TrayMenu menu([&] { return readSchemeList(ctx.settings); }, actions);
 

@@ -72,10 +72,7 @@ bool TarvoProgram::Form_Load() {
     }
 
     SettingsLoadSteps steps;
-    steps.loadScheme = [this](const QString& scheme) {
-        ctx_.exercises.CurrentScheme = scheme;
-        LoadScheme(ctx_.settings, ctx_.exercises, scheme);
-    };
+    steps.loadScheme = [this](const QString& scheme) { useScheme(scheme); };
     steps.showWarning = [this](const QString& warning) { form_->setWarning(warning); };
     steps.monitorSource = [this](int source, std::int32_t on) {
         if (on != 0)
@@ -116,6 +113,11 @@ void TarvoProgram::FirstTimeInitialise() {
     ctx_.processes.runAndWait(ctx_.programFolder + QStringLiteral("/tarvomultimedia"));
     // Set even when a program was missing: the import is not retried on every start.
     ctx_.settings.write(keys::Options, keys::Initialised, QStringLiteral("1"));
+}
+
+void TarvoProgram::useScheme(const QString& name) {
+    ctx_.exercises.CurrentScheme = name;
+    LoadScheme(ctx_.settings, ctx_.exercises, name);
 }
 
 void TarvoProgram::commitOptions() {

@@ -29,6 +29,8 @@ public:
     void Form_Unload();
     // Imports the shipped defaults and renders the built-in media, once per user.
     void FirstTimeInitialise();
+    // Makes the named scheme the current one and loads its exercises (start-up, the tray's scheme list).
+    void useScheme(const QString& name);
     // Apply in the options dialog: every option of the record written in order, the exercise table
     // saved under the current scheme's name on the way, then the running countdowns moved to the new
     // intervals.
