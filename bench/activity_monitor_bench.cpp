@@ -12,8 +12,8 @@
 // them: it shows what the load costs a design whose cost follows the input rate (and that the load
 // really reaches a client). --gui makes the child a Qt GUI application on the Xvfb (the xcb platform), as
 // the program is, so that anything Qt's own connection receives under the load is counted too.
-#include "SystemClock.h"
-#include "X11ActivityMonitor.h"
+#include "platform/linux/SystemClock.h"
+#include "platform/linux/X11ActivityMonitor.h"
 
 #include <QCoreApplication>
 #include <QGuiApplication>

@@ -1,8 +1,8 @@
 // Measures the settings store: loading every option from a store that also holds 40 schemes of 20
 // exercises each (file read and parse included, as at start-up), and one write including the flush
 // to disk. Prints medians over repeated runs.
-#include "FileRegistryStore.h"
-#include "SettingsLoader.h"
+#include "platform/linux/FileRegistryStore.h"
+#include "shell/SettingsLoader.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
-#include "frmAboutKelmar.h"
+#include "about/frmAboutKelmar.h"
 
-#include "ProgramIcon.h"
-#include "Version.h"
+#include "core/Version.h"
+#include "shell/ProgramIcon.h"
 #include "ui_frmAboutKelmar.h"
 
 namespace tarvo {

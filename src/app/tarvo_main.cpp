@@ -1,5 +1,5 @@
 // tarvo: the break reminder.
-#include "RunTarvo.h"
+#include "shell/RunTarvo.h"
 
 int main(int argc, char** argv) {
     return tarvo::runTarvo(argc, argv);

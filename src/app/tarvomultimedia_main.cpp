@@ -1,6 +1,6 @@
 // tarvomultimedia: renders the built-in exercise media into the program folder (see RunMultimedia.h).
-#include "ProgramFolder.h"
-#include "RunMultimedia.h"
+#include "exercise/media/RunMultimedia.h"
+#include "platform/linux/ProgramFolder.h"
 
 #include <QGuiApplication>
 #include <QTextStream>

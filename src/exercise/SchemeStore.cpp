@@ -1,9 +1,9 @@
-#include "SchemeStore.h"
+#include "exercise/SchemeStore.h"
 
-#include "Checked.h"
-#include "RegistryStore.h"
-#include "RuntimeError.h"
-#include "SettingsStore.h"
+#include "core/Checked.h"
+#include "core/RegistryStore.h"
+#include "core/RuntimeError.h"
+#include "shell/SettingsStore.h"
 
 namespace tarvo {
 

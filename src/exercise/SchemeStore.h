@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ExerciseTable.h"
+#include "exercise/ExerciseTable.h"
 
 #include <QStringList>
 

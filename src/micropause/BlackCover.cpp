@@ -1,4 +1,4 @@
-#include "BlackCover.h"
+#include "micropause/BlackCover.h"
 
 #include <QKeyEvent>
 #include <QScreen>

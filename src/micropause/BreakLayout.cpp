@@ -1,4 +1,4 @@
-#include "BreakLayout.h"
+#include "micropause/BreakLayout.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
-#include "CProgressBar.h"
+#include "micropause/CProgressBar.h"
 
-#include "Checked.h"
-#include "RuntimeError.h"
-#include "VbConvert.h"
+#include "core/Checked.h"
+#include "core/RuntimeError.h"
+#include "core/VbConvert.h"
 
 #include <QObject>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PictureBox.h"
+#include "micropause/PictureBox.h"
 
 #include <QPointer>
 

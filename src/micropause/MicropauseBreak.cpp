@@ -1,15 +1,15 @@
-#include "MicropauseBreak.h"
+#include "micropause/MicropauseBreak.h"
 
-#include "BreakView.h"
-#include "CProgressBar.h"
-#include "Checked.h"
-#include "Clock.h"
-#include "Scheduler.h"
-#include "SchedulerState.h"
-#include "SettingsRecord.h"
-#include "Timer.h"
-#include "VbConvert.h"
-#include "Warnings.h"
+#include "core/Checked.h"
+#include "core/Clock.h"
+#include "core/Timer.h"
+#include "core/VbConvert.h"
+#include "micropause/BreakView.h"
+#include "micropause/CProgressBar.h"
+#include "micropause/Scheduler.h"
+#include "micropause/SchedulerState.h"
+#include "micropause/Warnings.h"
+#include "shell/SettingsRecord.h"
 
 namespace tarvo {
 

@@ -1,4 +1,4 @@
-#include "PictureBox.h"
+#include "micropause/PictureBox.h"
 
 #include <QPainter>
 #include <QResizeEvent>

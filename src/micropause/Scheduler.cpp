@@ -1,11 +1,11 @@
-#include "Scheduler.h"
+#include "micropause/Scheduler.h"
 
-#include "ActivityMonitor.h"
-#include "Checked.h"
-#include "Clock.h"
-#include "SchedulerPort.h"
-#include "SettingsRecord.h"
-#include "Timer.h"
+#include "core/ActivityMonitor.h"
+#include "core/Checked.h"
+#include "core/Clock.h"
+#include "core/Timer.h"
+#include "micropause/SchedulerPort.h"
+#include "shell/SettingsRecord.h"
 
 namespace tarvo {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "SchedulerState.h"
+#include "micropause/SchedulerState.h"
 
 #include <QString>
 

@@ -1,7 +1,7 @@
-#include "WarningSounds.h"
+#include "micropause/WarningSounds.h"
 
-#include "SettingsRecord.h"
-#include "SoundPlayer.h"
+#include "core/SoundPlayer.h"
+#include "shell/SettingsRecord.h"
 
 namespace tarvo {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Warnings.h"
+#include "micropause/Warnings.h"
 
 #include <QString>
 

@@ -1,7 +1,7 @@
-#include "frmSound.h"
+#include "micropause/frmSound.h"
 
-#include "FileDialog.h"
-#include "SettingsRecord.h"
+#include "core/FileDialog.h"
+#include "shell/SettingsRecord.h"
 #include "ui_frmSound.h"
 
 #include <QScreen>

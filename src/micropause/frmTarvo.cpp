@@ -1,10 +1,10 @@
-#include "frmTarvo.h"
+#include "micropause/frmTarvo.h"
 
-#include "BlackCover.h"
-#include "BreakLayout.h"
-#include "PictureBox.h"
-#include "Timer.h"
-#include "Warnings.h"
+#include "core/Timer.h"
+#include "micropause/BlackCover.h"
+#include "micropause/BreakLayout.h"
+#include "micropause/PictureBox.h"
+#include "micropause/Warnings.h"
 #include "ui_frmTarvo.h"
 
 #include <QCursor>

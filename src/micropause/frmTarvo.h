@@ -1,10 +1,10 @@
 #pragma once
 
-#include "BreakView.h"
-#include "CProgressBar.h"
-#include "MicropauseBreak.h"
-#include "Scheduler.h"
-#include "SchedulerPort.h"
+#include "micropause/BreakView.h"
+#include "micropause/CProgressBar.h"
+#include "micropause/MicropauseBreak.h"
+#include "micropause/Scheduler.h"
+#include "micropause/SchedulerPort.h"
 
 #include <QPointer>
 #include <QWidget>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "ExerciseTable.h"
-#include "SchedulerState.h"
-#include "SettingsRecord.h"
-#include "SettingsStore.h"
+#include "exercise/ExerciseTable.h"
+#include "micropause/SchedulerState.h"
+#include "shell/SettingsRecord.h"
+#include "shell/SettingsStore.h"
 
 #include <QString>
 

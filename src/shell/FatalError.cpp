@@ -1,8 +1,8 @@
-#include "FatalError.h"
+#include "shell/FatalError.h"
 
-#include "MessageBox.h"
-#include "RegistryStore.h"
-#include "RuntimeError.h"
+#include "core/MessageBox.h"
+#include "core/RegistryStore.h"
+#include "core/RuntimeError.h"
 
 #include <QGuiApplication>
 

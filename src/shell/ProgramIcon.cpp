@@ -1,6 +1,6 @@
-#include "ProgramIcon.h"
+#include "shell/ProgramIcon.h"
 
-#include "ProgramIconSizes.h"
+#include "shell/ProgramIconSizes.h"
 
 #include <QIconEngine>
 #include <QImageReader>

@@ -1,7 +1,7 @@
-#include "Regedit.h"
+#include "shell/Regedit.h"
 
-#include "RegFileCodec.h"
-#include "RegistryStore.h"
+#include "core/RegFileCodec.h"
+#include "core/RegistryStore.h"
 
 #include <QFile>
 #include <QSaveFile>

@@ -1,6 +1,6 @@
-#include "SettingsLoader.h"
+#include "shell/SettingsLoader.h"
 
-#include "SettingsKeys.h"
+#include "shell/SettingsKeys.h"
 
 namespace tarvo {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "SettingsRecord.h"
-#include "SettingsStore.h"
+#include "shell/SettingsRecord.h"
+#include "shell/SettingsStore.h"
 
 #include <functional>
 

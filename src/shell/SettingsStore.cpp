@@ -1,7 +1,7 @@
-#include "SettingsStore.h"
+#include "shell/SettingsStore.h"
 
-#include "RuntimeError.h"
-#include "VbConvert.h"
+#include "core/RuntimeError.h"
+#include "core/VbConvert.h"
 
 namespace tarvo {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "RegistryStore.h"
+#include "core/RegistryStore.h"
 
 #include <QString>
 

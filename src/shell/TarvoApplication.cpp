@@ -1,6 +1,6 @@
-#include "TarvoApplication.h"
+#include "shell/TarvoApplication.h"
 
-#include "FatalError.h"
+#include "shell/FatalError.h"
 
 namespace tarvo {
 

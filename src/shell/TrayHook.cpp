@@ -1,7 +1,7 @@
-#include "TrayHook.h"
+#include "shell/TrayHook.h"
 
-#include "TrayIcon.h"
-#include "TrayMenu.h"
+#include "core/TrayIcon.h"
+#include "shell/TrayMenu.h"
 
 #include <QCursor>
 #include <QGuiApplication>

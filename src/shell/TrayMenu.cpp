@@ -1,6 +1,6 @@
-#include "TrayMenu.h"
+#include "shell/TrayMenu.h"
 
-#include "RuntimeError.h"
+#include "core/RuntimeError.h"
 
 #include <QAction>
 #include <QMenu>

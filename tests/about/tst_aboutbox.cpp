@@ -1,7 +1,7 @@
 // The About box, and the program icon it shows.
-#include "ProgramIcon.h"
-#include "Version.h"
-#include "frmAboutKelmar.h"
+#include "about/frmAboutKelmar.h"
+#include "core/Version.h"
+#include "shell/ProgramIcon.h"
 
 #include <QLabel>
 #include <QPushButton>

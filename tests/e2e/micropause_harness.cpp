@@ -2,15 +2,15 @@
 // end-to-end test. Prints what happens on standard output, one line per event.
 //   micropause_harness [--seconds N] [--blank 0|1] [--screenshot FILE --at MS]
 //   micropause_harness --busy-window     a plain window that stands for the user's work
-#include "CanberraSoundPlayer.h"
-#include "FakeActivityMonitor.h"
-#include "ProgramFolder.h"
-#include "QtTimer.h"
-#include "SchedulerState.h"
-#include "SettingsRecord.h"
-#include "SystemClock.h"
-#include "WarningSounds.h"
-#include "frmTarvo.h"
+#include "micropause/SchedulerState.h"
+#include "micropause/WarningSounds.h"
+#include "micropause/frmTarvo.h"
+#include "platform/fake/FakeActivityMonitor.h"
+#include "platform/linux/CanberraSoundPlayer.h"
+#include "platform/linux/ProgramFolder.h"
+#include "platform/linux/QtTimer.h"
+#include "platform/linux/SystemClock.h"
+#include "shell/SettingsRecord.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

@@ -1,7 +1,7 @@
 // The AVI writer against our own strict reader: structure, sizes, padding and the index, with frames
 // of odd and even sizes.
-#include "AviReader.h"
-#include "MjpegAviWriter.h"
+#include "exercise/media/MjpegAviWriter.h"
+#include "support/AviReader.h"
 
 #include <QtTest>
 

@@ -1,9 +1,9 @@
 // Schemes between the store and the exercise table: the title-entry bookkeeping, shorter saves, bad
 // numbers, and the scheme list. (Names with quotes or backslashes are the store file codec's concern.)
-#include "MemoryRegistryStore.h"
-#include "RuntimeError.h"
-#include "SchemeStore.h"
-#include "SettingsStore.h"
+#include "core/RuntimeError.h"
+#include "exercise/SchemeStore.h"
+#include "platform/fake/MemoryRegistryStore.h"
+#include "shell/SettingsStore.h"
 
 #include <QtTest>
 

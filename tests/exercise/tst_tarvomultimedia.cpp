@@ -2,11 +2,11 @@
 // is read back by our own AVI reader, by GStreamer (what the player uses) and by Qt's image readers;
 // the shipped schemes, imported by the real regedit, name exactly those files. Also leaves a contact
 // sheet of every exercise in the build's screenshots folder for a person to look at.
-#include "AviReader.h"
-#include "ExerciseTable.h"
-#include "FileRegistryStore.h"
-#include "SchemeStore.h"
-#include "SettingsStore.h"
+#include "exercise/ExerciseTable.h"
+#include "exercise/SchemeStore.h"
+#include "platform/linux/FileRegistryStore.h"
+#include "shell/SettingsStore.h"
+#include "support/AviReader.h"
 
 #include <QDir>
 #include <QFont>

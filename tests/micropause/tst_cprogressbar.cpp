@@ -1,7 +1,7 @@
 // The countdown bar, checked on what its canvas shows: columns counted by colour in the retained image.
-#include "CProgressBar.h" // first, to show that it stands on its own
-#include "PictureBox.h"
-#include "RuntimeError.h"
+#include "core/RuntimeError.h"
+#include "micropause/CProgressBar.h" // first, to show that it stands on its own
+#include "micropause/PictureBox.h"
 
 #include <QLabel>
 #include <QPainter>

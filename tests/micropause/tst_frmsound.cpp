@@ -1,9 +1,9 @@
 // The sound-selection form: which warning each mode edits, what the option pair shows, and what OK
 // and Cancel leave in the record; and the file dialog's filter as Qt takes it.
-#include "QtFileDialog.h"
-#include "ScriptedFileDialog.h"
-#include "SettingsRecord.h"
-#include "frmSound.h" // first, to show that it stands on its own
+#include "micropause/frmSound.h" // first, to show that it stands on its own
+#include "platform/fake/ScriptedFileDialog.h"
+#include "platform/linux/QtFileDialog.h"
+#include "shell/SettingsRecord.h"
 
 #include <QPushButton>
 #include <QRadioButton>

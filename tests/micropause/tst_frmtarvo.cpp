@@ -1,15 +1,15 @@
 // The main form: its timers drive the scheduler, its labels show what the scheduler wrote, and the
 // handovers leave it as signals.
-#include "frmTarvo.h" // first, to show that it stands on its own
+#include "micropause/frmTarvo.h" // first, to show that it stands on its own
 
 // Test doubles and what the form reads.
-#include "FakeActivityMonitor.h"
-#include "FakeClock.h"
-#include "ManualTimer.h"
-#include "PictureBox.h"
-#include "SchedulerState.h"
-#include "SettingsRecord.h"
-#include "Warnings.h"
+#include "micropause/PictureBox.h"
+#include "micropause/SchedulerState.h"
+#include "micropause/Warnings.h"
+#include "platform/fake/FakeActivityMonitor.h"
+#include "platform/fake/FakeClock.h"
+#include "platform/fake/ManualTimer.h"
+#include "shell/SettingsRecord.h"
 
 #include <QLabel>
 #include <QPushButton>

@@ -1,17 +1,17 @@
 // The micropause as a sequence of steps on simulated time: how long it lasts, what Esc does, and
 // what is shown, heard and re-armed in which order.
-#include "BreakView.h"
-#include "CProgressBar.h"
-#include "FakeActivityMonitor.h"
-#include "FakeClock.h"
-#include "ManualTimer.h"
-#include "MicropauseBreak.h"
-#include "RuntimeError.h"
-#include "Scheduler.h"
-#include "SchedulerPort.h"
-#include "SchedulerState.h"
-#include "SettingsRecord.h"
-#include "Warnings.h"
+#include "core/RuntimeError.h"
+#include "micropause/BreakView.h"
+#include "micropause/CProgressBar.h"
+#include "micropause/MicropauseBreak.h"
+#include "micropause/Scheduler.h"
+#include "micropause/SchedulerPort.h"
+#include "micropause/SchedulerState.h"
+#include "micropause/Warnings.h"
+#include "platform/fake/FakeActivityMonitor.h"
+#include "platform/fake/FakeClock.h"
+#include "platform/fake/ManualTimer.h"
+#include "shell/SettingsRecord.h"
 
 #include <QtTest>
 

@@ -1,14 +1,14 @@
 // The schedule over hours of simulated time: which countdown moves, what is due when, and what a
 // natural pause, Apply and an overflowing counter do to it.
-#include "Scheduler.h" // first, to show that it stands on its own
+#include "micropause/Scheduler.h" // first, to show that it stands on its own
 
 // Test doubles and what the scheduler reads.
-#include "FakeActivityMonitor.h"
-#include "FakeClock.h"
-#include "ManualTimer.h"
-#include "RuntimeError.h"
-#include "SchedulerPort.h"
-#include "SettingsRecord.h"
+#include "core/RuntimeError.h"
+#include "micropause/SchedulerPort.h"
+#include "platform/fake/FakeActivityMonitor.h"
+#include "platform/fake/FakeClock.h"
+#include "platform/fake/ManualTimer.h"
+#include "shell/SettingsRecord.h"
 
 #include <QtTest>
 

@@ -1,10 +1,10 @@
 // The warnings' beep patterns and sound files as a recording player hears them on its simulated clock;
 // the real player with no sound server at all; and real warnings through a private PulseAudio server
 // with a null sink, whose monitor is recorded with parec (real time passes there, about 15 s).
-#include "CanberraSoundPlayer.h"
-#include "RecordingSoundPlayer.h"
-#include "SettingsRecord.h"
-#include "WarningSounds.h" // first, to show that it stands on its own
+#include "micropause/WarningSounds.h" // first, to show that it stands on its own
+#include "platform/fake/RecordingSoundPlayer.h"
+#include "platform/linux/CanberraSoundPlayer.h"
+#include "shell/SettingsRecord.h"
 
 #include <QElapsedTimer>
 #include <QProcess>

@@ -1,8 +1,8 @@
 // The real regedit and tarvo programs of the program folder, run as a user would, each with its own
 // settings folder.
-#include "FileRegistryStore.h"
-#include "SettingsKeys.h"
-#include "SettingsLoader.h"
+#include "platform/linux/FileRegistryStore.h"
+#include "shell/SettingsKeys.h"
+#include "shell/SettingsLoader.h"
 
 #include <QProcess>
 #include <QStringEncoder>

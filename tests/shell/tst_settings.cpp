@@ -1,10 +1,10 @@
 // The settings layer: a fresh profile's defaults, the order of reads and writes, the Esc merge, and
 // stored text that is not a number.
-#include "FatalError.h"
-#include "MemoryRegistryStore.h"
-#include "RuntimeError.h"
-#include "SettingsKeys.h"
-#include "SettingsLoader.h"
+#include "core/RuntimeError.h"
+#include "platform/fake/MemoryRegistryStore.h"
+#include "shell/FatalError.h"
+#include "shell/SettingsKeys.h"
+#include "shell/SettingsLoader.h"
 
 #include <QtTest>
 

@@ -1,9 +1,9 @@
 // The tray icon on a real X server (a private Xvfb): the stand-in window while there is no tray, the
 // icon docking into trayer when it starts, the stand-in coming back when trayer ends, and clicks on
 // either reaching the program as mouse messages. Input comes from xdotool, through the X server.
-#include "../platform/x11/XvfbServer.h"
-#include "ProgramIcon.h"
-#include "QtTrayIcon.h"
+#include "platform/linux/QtTrayIcon.h"
+#include "shell/ProgramIcon.h"
+#include "support/XvfbServer.h"
 
 #include <QApplication>
 #include <QProcess>

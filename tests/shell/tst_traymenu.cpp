@@ -1,13 +1,13 @@
 // The tray menu: its items in order, the scheme list rebuilt from the store, and the items' actions;
 // and pichook, which pops it up: the tray icon's messages decoded from twips, the busy flag, and the
 // other instance's key codes.
-#include "FakeTrayIcon.h"
-#include "MemoryRegistryStore.h"
-#include "RuntimeError.h"
-#include "SchemeStore.h"
-#include "SettingsStore.h"
-#include "TrayHook.h"
-#include "TrayMenu.h"
+#include "core/RuntimeError.h"
+#include "exercise/SchemeStore.h"
+#include "platform/fake/FakeTrayIcon.h"
+#include "platform/fake/MemoryRegistryStore.h"
+#include "shell/SettingsStore.h"
+#include "shell/TrayHook.h"
+#include "shell/TrayMenu.h"
 
 #include <QAction>
 #include <QMenu>

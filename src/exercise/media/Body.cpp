@@ -1,4 +1,4 @@
-#include "Body.h"
+#include "exercise/media/Body.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "Camera.h"
+#include "exercise/media/Camera.h"
 
 #include <cmath>
 #include <numbers>

@@ -1,4 +1,4 @@
-#include "Catalogue.h"
+#include "exercise/media/Catalogue.h"
 
 namespace tarvo {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Medium.h"
+#include "exercise/media/Medium.h"
 
 #include <vector>
 

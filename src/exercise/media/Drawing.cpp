@@ -1,6 +1,6 @@
-#include "Drawing.h"
+#include "exercise/media/Drawing.h"
 
-#include "Palette.h"
+#include "exercise/media/Palette.h"
 
 #include <algorithm>
 #include <cmath>

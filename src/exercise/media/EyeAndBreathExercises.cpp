@@ -1,6 +1,6 @@
 // Eyes and breathing: the screen holds the eyes at one distance for hours, and concentration makes the
 // breath shallow.
-#include "Catalogue.h"
+#include "exercise/media/Catalogue.h"
 
 namespace tarvo {
 

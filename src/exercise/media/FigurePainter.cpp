@@ -1,9 +1,9 @@
-#include "FigurePainter.h"
+#include "exercise/media/FigurePainter.h"
 
-#include "Body.h"
-#include "Camera.h"
-#include "HeadPainter.h"
-#include "Palette.h"
+#include "exercise/media/Body.h"
+#include "exercise/media/Camera.h"
+#include "exercise/media/HeadPainter.h"
+#include "exercise/media/Palette.h"
 
 #include <QPainterPath>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Drawing.h"
+#include "exercise/media/Drawing.h"
 
 namespace tarvo {
 

@@ -1,9 +1,9 @@
-#include "FrameRenderer.h"
+#include "exercise/media/FrameRenderer.h"
 
-#include "Body.h"
-#include "FigurePainter.h"
-#include "Medium.h"
-#include "Palette.h"
+#include "exercise/media/Body.h"
+#include "exercise/media/FigurePainter.h"
+#include "exercise/media/Medium.h"
+#include "exercise/media/Palette.h"
 
 #include <QFont>
 #include <QPainter>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Hint.h"
+#include "exercise/media/Hint.h"
 
 #include <QImage>
 #include <QRectF>

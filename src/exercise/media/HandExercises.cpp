@@ -1,5 +1,5 @@
 // Hands, fingers, wrists and forearms: what holds the mouse and types all day.
-#include "Catalogue.h"
+#include "exercise/media/Catalogue.h"
 
 #include <cmath>
 

@@ -1,8 +1,8 @@
-#include "HeadPainter.h"
+#include "exercise/media/HeadPainter.h"
 
-#include "Body.h"
-#include "Camera.h"
-#include "Palette.h"
+#include "exercise/media/Body.h"
+#include "exercise/media/Camera.h"
+#include "exercise/media/Palette.h"
 
 #include <QPainterPath>
 #include <QTransform>

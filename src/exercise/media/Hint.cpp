@@ -1,8 +1,8 @@
-#include "Hint.h"
+#include "exercise/media/Hint.h"
 
-#include "Body.h"
-#include "Camera.h"
-#include "Palette.h"
+#include "exercise/media/Body.h"
+#include "exercise/media/Camera.h"
+#include "exercise/media/Palette.h"
 
 #include <QPainter>
 #include <QPainterPath>

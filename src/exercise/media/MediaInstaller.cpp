@@ -1,7 +1,7 @@
-#include "MediaInstaller.h"
+#include "exercise/media/MediaInstaller.h"
 
-#include "Medium.h"
-#include "MediumEncoder.h"
+#include "exercise/media/Medium.h"
+#include "exercise/media/MediumEncoder.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Camera.h"
-#include "Hint.h"
-#include "Motion.h"
-#include "Scenery.h"
+#include "exercise/media/Camera.h"
+#include "exercise/media/Hint.h"
+#include "exercise/media/Motion.h"
+#include "exercise/media/Scenery.h"
 
 #include <QString>
 

@@ -1,8 +1,8 @@
-#include "MediumEncoder.h"
+#include "exercise/media/MediumEncoder.h"
 
-#include "FrameRenderer.h"
-#include "Medium.h"
-#include "MjpegAviWriter.h"
+#include "exercise/media/FrameRenderer.h"
+#include "exercise/media/Medium.h"
+#include "exercise/media/MjpegAviWriter.h"
 
 #include <QBuffer>
 #include <QImageWriter>

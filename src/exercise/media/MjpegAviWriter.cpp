@@ -1,4 +1,4 @@
-#include "MjpegAviWriter.h"
+#include "exercise/media/MjpegAviWriter.h"
 
 #include <QtEndian>
 

@@ -1,4 +1,4 @@
-#include "Motion.h"
+#include "exercise/media/Motion.h"
 
 #include <algorithm>
 #include <cmath>

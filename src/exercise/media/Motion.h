@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Pose.h"
+#include "exercise/media/Pose.h"
 
 #include <vector>
 

@@ -1,4 +1,4 @@
-#include "Pose.h"
+#include "exercise/media/Pose.h"
 
 namespace tarvo {
 

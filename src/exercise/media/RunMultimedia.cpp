@@ -1,7 +1,7 @@
-#include "RunMultimedia.h"
+#include "exercise/media/RunMultimedia.h"
 
-#include "Catalogue.h"
-#include "MediaInstaller.h"
+#include "exercise/media/Catalogue.h"
+#include "exercise/media/MediaInstaller.h"
 
 #include <QTextStream>
 

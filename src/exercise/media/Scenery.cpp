@@ -1,7 +1,7 @@
-#include "Scenery.h"
+#include "exercise/media/Scenery.h"
 
-#include "Camera.h"
-#include "Palette.h"
+#include "exercise/media/Camera.h"
+#include "exercise/media/Palette.h"
 
 #include <QLinearGradient>
 #include <QPainterPath>

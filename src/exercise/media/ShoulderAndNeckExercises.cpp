@@ -1,5 +1,5 @@
 // Shoulders and neck: where a day at the screen gathers as tension.
-#include "Catalogue.h"
+#include "exercise/media/Catalogue.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TrayIcon.h"
+#include "core/TrayIcon.h"
 
 #include <QAction>
 #include <QMenu>

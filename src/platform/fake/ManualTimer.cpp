@@ -1,6 +1,6 @@
-#include "ManualTimer.h"
+#include "platform/fake/ManualTimer.h"
 
-#include "FakeClock.h"
+#include "platform/fake/FakeClock.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FileDialog.h"
+#include "core/FileDialog.h"
 
 #include <deque>
 #include <vector>

@@ -1,7 +1,7 @@
-#include "ActivityMonitorFactory.h"
+#include "platform/linux/ActivityMonitorFactory.h"
 
-#include "UnavailableActivityMonitor.h"
-#include "X11ActivityMonitor.h"
+#include "platform/linux/UnavailableActivityMonitor.h"
+#include "platform/linux/X11ActivityMonitor.h"
 
 #include <QGuiApplication>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ActivityMonitor.h"
+#include "core/ActivityMonitor.h"
 
 #include <QString>
 

@@ -1,4 +1,4 @@
-#include "CanberraLibrary.h"
+#include "platform/linux/CanberraLibrary.h"
 
 #include <dlfcn.h>
 

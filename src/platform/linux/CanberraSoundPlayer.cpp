@@ -1,6 +1,6 @@
-#include "CanberraSoundPlayer.h"
+#include "platform/linux/CanberraSoundPlayer.h"
 
-#include "CanberraLibrary.h"
+#include "platform/linux/CanberraLibrary.h"
 
 #include <QFile>
 #include <QFileInfo>

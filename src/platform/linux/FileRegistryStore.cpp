@@ -1,6 +1,6 @@
-#include "FileRegistryStore.h"
+#include "platform/linux/FileRegistryStore.h"
 
-#include "RegFileCodec.h"
+#include "core/RegFileCodec.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "RegistryModel.h"
-#include "RegistryStore.h"
+#include "core/RegistryModel.h"
+#include "core/RegistryStore.h"
 
 #include <QString>
 

@@ -1,4 +1,4 @@
-#include "LocalSingleInstance.h"
+#include "platform/linux/LocalSingleInstance.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>

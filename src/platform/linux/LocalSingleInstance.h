@@ -1,6 +1,6 @@
 #pragma once
 
-#include "SingleInstance.h"
+#include "core/SingleInstance.h"
 
 #include <QString>
 

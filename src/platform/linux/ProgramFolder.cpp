@@ -1,4 +1,4 @@
-#include "ProgramFolder.h"
+#include "platform/linux/ProgramFolder.h"
 
 #include <QCoreApplication>
 #include <QFile>

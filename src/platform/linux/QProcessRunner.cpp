@@ -1,4 +1,4 @@
-#include "QProcessRunner.h"
+#include "platform/linux/QProcessRunner.h"
 
 #include <QFileInfo>
 #include <QProcess>

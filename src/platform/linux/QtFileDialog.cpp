@@ -1,4 +1,4 @@
-#include "QtFileDialog.h"
+#include "platform/linux/QtFileDialog.h"
 
 #include <QFileDialog>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "QtMessageBox.h"
+#include "platform/linux/QtMessageBox.h"
 
 #include <QMessageBox>
 

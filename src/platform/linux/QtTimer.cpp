@@ -1,4 +1,4 @@
-#include "QtTimer.h"
+#include "platform/linux/QtTimer.h"
 
 namespace tarvo {
 

@@ -1,7 +1,7 @@
-#include "QtTrayIcon.h"
+#include "platform/linux/QtTrayIcon.h"
 
-#include "TrayStandInWindow.h"
-#include "X11TrayHostWatcher.h"
+#include "platform/linux/TrayStandInWindow.h"
+#include "platform/linux/X11TrayHostWatcher.h"
 
 #include <QGuiApplication>
 #include <QMenu>

@@ -1,6 +1,6 @@
-#include "TrayStandInWindow.h"
+#include "platform/linux/TrayStandInWindow.h"
 
-#include "TrayIcon.h"
+#include "core/TrayIcon.h"
 
 #include <QCloseEvent>
 #include <QContextMenuEvent>

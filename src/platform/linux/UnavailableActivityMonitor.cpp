@@ -1,4 +1,4 @@
-#include "UnavailableActivityMonitor.h"
+#include "platform/linux/UnavailableActivityMonitor.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
-#include "X11ActivityMonitor.h"
+#include "platform/linux/X11ActivityMonitor.h"
 
-#include "SystemClock.h"
+#include "platform/linux/SystemClock.h"
 
 #include <QSocketNotifier>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ActivityMonitor.h"
-#include "Clock.h"
+#include "core/ActivityMonitor.h"
+#include "core/Clock.h"
 
 #include <QByteArray>
 #include <QString>

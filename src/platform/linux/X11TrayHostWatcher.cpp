@@ -1,4 +1,4 @@
-#include "X11TrayHostWatcher.h"
+#include "platform/linux/X11TrayHostWatcher.h"
 
 #include <QCoreApplication>
 #include <QMetaObject>

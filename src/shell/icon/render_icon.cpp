@@ -4,7 +4,7 @@
 //
 // Drawing at build time means the running program needs neither Qt SVG nor its icon engine plugin:
 // both would stay loaded for the whole session only to draw one small picture once.
-#include "ProgramIconSizes.h"
+#include "shell/ProgramIconSizes.h"
 
 #include <QDir>
 #include <QFile>

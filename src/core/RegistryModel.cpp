@@ -1,4 +1,4 @@
-#include "RegistryModel.h"
+#include "core/RegistryModel.h"
 
 namespace tarvo {
 

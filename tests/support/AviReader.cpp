@@ -1,4 +1,4 @@
-#include "AviReader.h"
+#include "support/AviReader.h"
 
 #include <QtEndian>
 

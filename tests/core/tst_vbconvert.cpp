@@ -1,8 +1,8 @@
 // Conversions and checked arithmetic: the boundaries where a stored setting or a counter stops being
 // a number, or stops fitting.
-#include "Checked.h"
-#include "RuntimeError.h"
-#include "VbConvert.h"
+#include "core/Checked.h"
+#include "core/RuntimeError.h"
+#include "core/VbConvert.h"
 
 #include <QtTest>
 

@@ -2,7 +2,7 @@
 //   store_writer <file> keys <prefix> <count>   writes <count> keys "<prefix>N" one write at a time
 //   store_writer <file> churn                   rewrites one large value, generation after generation,
 //                                               until killed; prints "ready" after the first write
-#include "FileRegistryStore.h"
+#include "platform/linux/FileRegistryStore.h"
 
 #include <QCoreApplication>
 

@@ -1,7 +1,7 @@
 // The file-backed store: case rules, sharing with other processes, atomic replacement, and a damaged
 // file that is never overwritten.
-#include "FileRegistryStore.h"
-#include "RegistryStore.h"
+#include "core/RegistryStore.h"
+#include "platform/linux/FileRegistryStore.h"
 
 #include <QProcess>
 #include <QRandomGenerator>

@@ -1,7 +1,7 @@
-#include "VbConvert.h"
+#include "core/VbConvert.h"
 
-#include "Checked.h"
-#include "RuntimeError.h"
+#include "core/Checked.h"
+#include "core/RuntimeError.h"
 
 #include <cmath>
 #include <limits>

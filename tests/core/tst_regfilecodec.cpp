@@ -1,6 +1,6 @@
 // The registry export format: escapes, deletions, errors that name the line, and the round trip of
 // what the store writes. Reading Latin-1 and UTF-16 files is checked through the real regedit.
-#include "RegFileCodec.h"
+#include "core/RegFileCodec.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
 // The single instance between real processes: the lock as the previous-instance report, key codes
 // answered after they were handled, what a killed instance leaves behind, and who may connect.
 // Every test runs with a private runtime folder, which the peer processes inherit.
-#include "LocalSingleInstance.h"
+#include "platform/linux/LocalSingleInstance.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>

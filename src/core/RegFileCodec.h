@@ -1,6 +1,6 @@
 #pragma once
 
-#include "RegistryModel.h"
+#include "core/RegistryModel.h"
 
 #include <QByteArray>
 #include <QString>

@@ -1,6 +1,6 @@
-#include "RegFileCodec.h"
+#include "core/RegFileCodec.h"
 
-#include "RegistryStore.h"
+#include "core/RegistryStore.h"
 
 #include <QStringDecoder>
 

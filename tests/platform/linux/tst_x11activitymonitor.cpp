@@ -1,10 +1,10 @@
 // The X11 activity monitor against a real X server: a private Xvfb, with input from xdotool (XTEST).
-#include "ActivityMonitorFactory.h"
-#include "FakeClock.h"
-#include "SystemClock.h"
-#include "UnavailableActivityMonitor.h"
-#include "X11ActivityMonitor.h"
-#include "XvfbServer.h"
+#include "platform/fake/FakeClock.h"
+#include "platform/linux/ActivityMonitorFactory.h"
+#include "platform/linux/SystemClock.h"
+#include "platform/linux/UnavailableActivityMonitor.h"
+#include "platform/linux/X11ActivityMonitor.h"
+#include "support/XvfbServer.h"
 
 #include <QProcess>
 #include <QTest>

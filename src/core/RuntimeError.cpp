@@ -1,4 +1,4 @@
-#include "RuntimeError.h"
+#include "core/RuntimeError.h"
 
 namespace tarvo {
 

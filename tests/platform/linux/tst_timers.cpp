@@ -1,9 +1,9 @@
 // Time seams: the tick count's base and wrap, the real timer's semantics, and the manual timeline
 // that runs hours of schedule in an instant.
-#include "FakeClock.h"
-#include "ManualTimer.h"
-#include "QtTimer.h"
-#include "SystemClock.h"
+#include "platform/fake/FakeClock.h"
+#include "platform/fake/ManualTimer.h"
+#include "platform/linux/QtTimer.h"
+#include "platform/linux/SystemClock.h"
 
 #include <QtTest>
 

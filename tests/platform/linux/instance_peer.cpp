@@ -3,7 +3,7 @@
 //                                           then "key <code>" for each key code it handles; 99 ends it
 //   instance_peer probe                     prints "previous" or "none"
 //   instance_peer send <handle> <code>      prints "sent 1" or "sent 0" once the send returned
-#include "LocalSingleInstance.h"
+#include "platform/linux/LocalSingleInstance.h"
 
 #include <QCoreApplication>
 
