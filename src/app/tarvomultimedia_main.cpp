@@ -1,5 +1,5 @@
 // tarvomultimedia: renders the built-in exercise media into the program folder (see RunMultimedia.h).
-#include "exercise/media/RunMultimedia.h"
+#include "multimedia/RunMultimedia.h"
 #include "platform/linux/ProgramFolder.h"
 
 #include <QGuiApplication>

@@ -1,5 +1,5 @@
 // The back: sitting still for hours stiffens the spine; these move it through its range, gently.
-#include "exercise/media/Catalogue.h"
+#include "multimedia/Catalogue.h"
 
 namespace tarvo {
 

@@ -1,4 +1,4 @@
-#include "exercise/media/Motion.h"
+#include "multimedia/Motion.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 // Hands, fingers, wrists and forearms: what holds the mouse and types all day.
-#include "exercise/media/Catalogue.h"
+#include "multimedia/Catalogue.h"
 
 #include <cmath>
 

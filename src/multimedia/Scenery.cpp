@@ -1,7 +1,7 @@
-#include "exercise/media/Scenery.h"
+#include "multimedia/Scenery.h"
 
-#include "exercise/media/Camera.h"
-#include "exercise/media/Palette.h"
+#include "multimedia/Camera.h"
+#include "multimedia/Palette.h"
 
 #include <QLinearGradient>
 #include <QPainterPath>

@@ -1,9 +1,9 @@
-#include "exercise/media/FrameRenderer.h"
+#include "multimedia/FrameRenderer.h"
 
-#include "exercise/media/Body.h"
-#include "exercise/media/FigurePainter.h"
-#include "exercise/media/Medium.h"
-#include "exercise/media/Palette.h"
+#include "multimedia/Body.h"
+#include "multimedia/FigurePainter.h"
+#include "multimedia/Medium.h"
+#include "multimedia/Palette.h"
 
 #include <QFont>
 #include <QPainter>

@@ -1,9 +1,9 @@
 // The exercise movements: key poses and easing, where the arms end up, and the catalogue's data
 // checked frame by frame (every clip moves, loops without a jump and keeps its subject in the picture).
-#include "exercise/media/Body.h"
-#include "exercise/media/Catalogue.h"
-#include "exercise/media/FrameRenderer.h"
-#include "exercise/media/MediumEncoder.h"
+#include "multimedia/Body.h"
+#include "multimedia/Catalogue.h"
+#include "multimedia/FrameRenderer.h"
+#include "multimedia/MediumEncoder.h"
 
 #include <QtTest>
 

@@ -1,4 +1,4 @@
-#include "exercise/media/Camera.h"
+#include "multimedia/Camera.h"
 
 #include <cmath>
 #include <numbers>

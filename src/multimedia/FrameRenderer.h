@@ -1,6 +1,6 @@
 #pragma once
 
-#include "exercise/media/Hint.h"
+#include "multimedia/Hint.h"
 
 #include <QImage>
 #include <QRectF>

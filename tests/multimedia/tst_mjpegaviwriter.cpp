@@ -1,6 +1,6 @@
 // The AVI writer against our own strict reader: structure, sizes, padding and the index, with frames
 // of odd and even sizes.
-#include "exercise/media/MjpegAviWriter.h"
+#include "multimedia/MjpegAviWriter.h"
 #include "support/AviReader.h"
 
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "exercise/media/Pose.h"
+#include "multimedia/Pose.h"
 
 namespace tarvo {
 

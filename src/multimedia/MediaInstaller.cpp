@@ -1,7 +1,7 @@
-#include "exercise/media/MediaInstaller.h"
+#include "multimedia/MediaInstaller.h"
 
-#include "exercise/media/Medium.h"
-#include "exercise/media/MediumEncoder.h"
+#include "multimedia/Medium.h"
+#include "multimedia/MediumEncoder.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,8 +1,8 @@
-#include "exercise/media/MediumEncoder.h"
+#include "multimedia/MediumEncoder.h"
 
-#include "exercise/media/FrameRenderer.h"
-#include "exercise/media/Medium.h"
-#include "exercise/media/MjpegAviWriter.h"
+#include "multimedia/FrameRenderer.h"
+#include "multimedia/Medium.h"
+#include "multimedia/MjpegAviWriter.h"
 
 #include <QBuffer>
 #include <QImageWriter>

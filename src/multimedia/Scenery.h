@@ -1,6 +1,6 @@
 #pragma once
 
-#include "exercise/media/Drawing.h"
+#include "multimedia/Drawing.h"
 
 #include <QSize>
 

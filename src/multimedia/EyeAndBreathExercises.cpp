@@ -1,6 +1,6 @@
 // Eyes and breathing: the screen holds the eyes at one distance for hours, and concentration makes the
 // breath shallow.
-#include "exercise/media/Catalogue.h"
+#include "multimedia/Catalogue.h"
 
 namespace tarvo {
 

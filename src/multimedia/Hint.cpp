@@ -1,8 +1,8 @@
-#include "exercise/media/Hint.h"
+#include "multimedia/Hint.h"
 
-#include "exercise/media/Body.h"
-#include "exercise/media/Camera.h"
-#include "exercise/media/Palette.h"
+#include "multimedia/Body.h"
+#include "multimedia/Camera.h"
+#include "multimedia/Palette.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "exercise/media/Camera.h"
-#include "exercise/media/Hint.h"
-#include "exercise/media/Motion.h"
-#include "exercise/media/Scenery.h"
+#include "multimedia/Camera.h"
+#include "multimedia/Hint.h"
+#include "multimedia/Motion.h"
+#include "multimedia/Scenery.h"
 
 #include <QString>
 

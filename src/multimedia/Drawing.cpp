@@ -1,6 +1,6 @@
-#include "exercise/media/Drawing.h"
+#include "multimedia/Drawing.h"
 
-#include "exercise/media/Palette.h"
+#include "multimedia/Palette.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "exercise/media/Medium.h"
+#include "multimedia/Medium.h"
 
 #include <vector>
 

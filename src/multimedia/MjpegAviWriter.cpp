@@ -1,4 +1,4 @@
-#include "exercise/media/MjpegAviWriter.h"
+#include "multimedia/MjpegAviWriter.h"
 
 #include <QtEndian>
 

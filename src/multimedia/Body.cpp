@@ -1,4 +1,4 @@
-#include "exercise/media/Body.h"
+#include "multimedia/Body.h"
 
 #include <algorithm>
 #include <cmath>

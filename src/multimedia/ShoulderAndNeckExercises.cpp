@@ -1,5 +1,5 @@
 // Shoulders and neck: where a day at the screen gathers as tension.
-#include "exercise/media/Catalogue.h"
+#include "multimedia/Catalogue.h"
 
 #include <cmath>
 

@@ -1,9 +1,9 @@
-#include "exercise/media/FigurePainter.h"
+#include "multimedia/FigurePainter.h"
 
-#include "exercise/media/Body.h"
-#include "exercise/media/Camera.h"
-#include "exercise/media/HeadPainter.h"
-#include "exercise/media/Palette.h"
+#include "multimedia/Body.h"
+#include "multimedia/Camera.h"
+#include "multimedia/HeadPainter.h"
+#include "multimedia/Palette.h"
 
 #include <QPainterPath>
 

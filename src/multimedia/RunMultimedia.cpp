@@ -1,7 +1,7 @@
-#include "exercise/media/RunMultimedia.h"
+#include "multimedia/RunMultimedia.h"
 
-#include "exercise/media/Catalogue.h"
-#include "exercise/media/MediaInstaller.h"
+#include "multimedia/Catalogue.h"
+#include "multimedia/MediaInstaller.h"
 
 #include <QTextStream>
 

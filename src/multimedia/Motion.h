@@ -1,6 +1,6 @@
 #pragma once
 
-#include "exercise/media/Pose.h"
+#include "multimedia/Pose.h"
 
 #include <vector>
 

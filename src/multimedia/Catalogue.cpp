@@ -1,4 +1,4 @@
-#include "exercise/media/Catalogue.h"
+#include "multimedia/Catalogue.h"
 
 namespace tarvo {
 
