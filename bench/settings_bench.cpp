@@ -2,7 +2,7 @@
 // exercises each (file read and parse included, as at start-up), and one write including the flush
 // to disk. Prints medians over repeated runs.
 #include "platform/linux/FileRegistryStore.h"
-#include "shell/SettingsLoader.h"
+#include "settings/LoadAndCommit.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

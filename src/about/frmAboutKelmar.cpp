@@ -1,7 +1,6 @@
 #include "about/frmAboutKelmar.h"
 
-#include "core/Version.h"
-#include "shell/ProgramIcon.h"
+#include "core/ProgramInfo.h"
 #include "ui_frmAboutKelmar.h"
 
 namespace tarvo {
@@ -16,22 +15,19 @@ frmAboutKelmar::frmAboutKelmar(QWidget* parent)
     : QDialog(parent)
     , ui(std::make_unique<Ui::frmAboutKelmar>()) {
     ui->setupUi(this);
-    const QIcon icon = programIcon();
-    setWindowIcon(icon);
-    ui->imgIcon->setPixmap(icon.pixmap(kIconSize, kIconSize));
+    setWindowTitle(QStringLiteral("About ") + QLatin1String(kProgramTitle));
+    ui->lblTitle->setText(QLatin1String(kProgramTitle));
+    // The program's own icon, as start-up gave it to every window of the application.
+    ui->imgIcon->setPixmap(windowIcon().pixmap(kIconSize, kIconSize));
     QFont title = ui->lblTitle->font();
     title.setBold(true);
     title.setPointSizeF(title.pointSizeF() * 1.4);
     ui->lblTitle->setFont(title);
-    ui->lblVersion->setText(versionText());
+    ui->lblVersion->setText(QLatin1String(kVersionText));
     connect(ui->cmdOK, &QPushButton::clicked, this, &frmAboutKelmar::cmdOK_Click);
 }
 
 frmAboutKelmar::~frmAboutKelmar() = default;
-
-QString frmAboutKelmar::versionText() {
-    return QStringLiteral("%1.%2.%3").arg(kVersionMajor).arg(kVersionMinor).arg(kVersionRevision);
-}
 
 void frmAboutKelmar::cmdOK_Click() {
     accept();

@@ -1,6 +1,6 @@
 // regedit: imports and exports the Tarvo Micropause settings (see Regedit.h).
 #include "platform/linux/FileRegistryStore.h"
-#include "shell/Regedit.h"
+#include "settings/Regedit.h"
 
 #include <QCoreApplication>
 #include <QTextStream>

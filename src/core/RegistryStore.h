@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/ProgramInfo.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -12,7 +14,8 @@ namespace tarvo {
 // The per-user settings root. Sections are the keys below it ("Options", "Micropause", "Scheme*Medium
 // Break"); the empty section name stands for the root key itself.
 inline const QString kRegistryRoot =
-    QStringLiteral("HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\Tarvo Micropause");
+    QStringLiteral("HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\") +
+    QLatin1String(kProgramTitle);
 
 // The store could not be read or written: its file is damaged, locked or not writable. The message
 // names the file (and the line, for a damaged file).

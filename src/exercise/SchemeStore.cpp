@@ -3,7 +3,7 @@
 #include "core/Checked.h"
 #include "core/RegistryStore.h"
 #include "core/RuntimeError.h"
-#include "shell/SettingsStore.h"
+#include "settings/SettingsStore.h"
 
 namespace tarvo {
 

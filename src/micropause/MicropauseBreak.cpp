@@ -9,7 +9,7 @@
 #include "micropause/Scheduler.h"
 #include "micropause/SchedulerState.h"
 #include "micropause/Warnings.h"
-#include "shell/SettingsRecord.h"
+#include "settings/SettingsRecord.h"
 
 namespace tarvo {
 

@@ -5,7 +5,7 @@
 #include "core/Clock.h"
 #include "core/Timer.h"
 #include "micropause/SchedulerPort.h"
-#include "shell/SettingsRecord.h"
+#include "settings/SettingsRecord.h"
 
 namespace tarvo {
 

@@ -1,7 +1,7 @@
 #include "micropause/WarningSounds.h"
 
 #include "core/SoundPlayer.h"
-#include "shell/SettingsRecord.h"
+#include "settings/SettingsRecord.h"
 
 namespace tarvo {
 

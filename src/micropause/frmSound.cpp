@@ -1,7 +1,7 @@
 #include "micropause/frmSound.h"
 
 #include "core/FileDialog.h"
-#include "shell/SettingsRecord.h"
+#include "settings/SettingsRecord.h"
 #include "ui_frmSound.h"
 
 #include <QScreen>

@@ -2,8 +2,8 @@
 
 #include "exercise/ExerciseTable.h"
 #include "micropause/SchedulerState.h"
-#include "shell/SettingsRecord.h"
-#include "shell/SettingsStore.h"
+#include "settings/SettingsRecord.h"
+#include "settings/SettingsStore.h"
 
 #include <QString>
 

@@ -1,6 +1,7 @@
 #include "shell/FatalError.h"
 
 #include "core/MessageBox.h"
+#include "core/ProgramInfo.h"
 #include "core/RegistryStore.h"
 #include "core/RuntimeError.h"
 
@@ -40,7 +41,7 @@ void endWithFatalError(const std::exception& error, MessageBox* box) {
     std::fprintf(stderr, "%s\n", qPrintable(text));
     std::fflush(stderr);
     if (box && canShowDialogs())
-        box->show(text, kProgramTitle, MessageBox::Buttons::Ok, MessageBox::Icon::Critical);
+        box->show(text, QLatin1String(kProgramTitle), MessageBox::Buttons::Ok, MessageBox::Icon::Critical);
     std::fflush(stdout);
     // End at once, as the runtime does: no event, timer or destructor of the half-run program runs after
     // the error. Every store write is already durable when its call returns.

@@ -8,8 +8,6 @@ namespace tarvo {
 
 class MessageBox;
 
-inline const QString kProgramTitle = QStringLiteral("Tarvo Micropause");
-
 // The text the user sees for an error that no handler took care of: a run-time error's report, a
 // damaged or unwritable settings file's message, or a generic line for anything else.
 QString fatalErrorText(const std::exception& error);

@@ -1,7 +1,7 @@
 #include "shell/RunTarvo.h"
 
 #include "about/frmAboutKelmar.h"
-#include "core/Version.h"
+#include "core/ProgramInfo.h"
 #include "exercise/SchemeStore.h"
 #include "micropause/frmTarvo.h"
 #include "platform/linux/ActivityMonitorFactory.h"
@@ -55,7 +55,7 @@ int runTarvo(int& argc, char** argv) {
             return 0;
         }
         if (std::strcmp(argv[i], "--version") == 0) {
-            QTextStream(stdout) << "Tarvo Micropause " << kVersionText << '\n';
+            QTextStream(stdout) << kProgramTitle << ' ' << kVersionText << '\n';
             return 0;
         }
     }

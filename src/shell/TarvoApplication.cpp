@@ -1,12 +1,13 @@
 #include "shell/TarvoApplication.h"
 
+#include "core/ProgramInfo.h"
 #include "shell/FatalError.h"
 
 namespace tarvo {
 
 TarvoApplication::TarvoApplication(int& argc, char** argv)
     : QApplication(argc, argv) {
-    setApplicationName(kProgramTitle);
+    setApplicationName(QLatin1String(kProgramTitle));
     setQuitOnLastWindowClosed(false); // the program lives in the tray, not in a window
 }
 

@@ -4,15 +4,15 @@
 #include "core/Clock.h"
 #include "core/MessageBox.h"
 #include "core/ProcessRunner.h"
+#include "core/ProgramInfo.h"
 #include "core/SingleInstance.h"
 #include "core/TrayIcon.h"
-#include "core/Version.h"
 #include "exercise/SchemeStore.h"
 #include "micropause/WarningSounds.h"
 #include "micropause/frmTarvo.h"
+#include "settings/LoadAndCommit.h"
+#include "settings/Options.h"
 #include "shell/AppContext.h"
-#include "shell/SettingsKeys.h"
-#include "shell/SettingsLoader.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -21,10 +21,6 @@
 #include <QScreen>
 
 namespace tarvo {
-
-namespace {
-const QString kTip = QStringLiteral("Tarvo Micropause");
-} // namespace
 
 TarvoProgram::TarvoProgram(AppContext& context, QIcon icon)
     : ctx_(context)
@@ -38,7 +34,7 @@ bool TarvoProgram::Form_Load() {
     // The window searches of the classic program never found anything; the instance lock is what
     // tells that another instance runs.
     if (ctx_.instance.previousInstance()) {
-        const std::int32_t tray = ctx_.settings.readNumber(keys::Options, keys::Tray, 0);
+        const std::int32_t tray = ctx_.settings.readNumber(option("tray"));
         if (tray == 0) {
             ctx_.messages.show(QStringLiteral("Tarvo Micropause is already running in the System Tray"),
                                QStringLiteral("Tarvo"), MessageBox::Buttons::Ok);
@@ -54,10 +50,9 @@ bool TarvoProgram::Form_Load() {
     form_ = std::make_unique<frmTarvo>(ctx_.record, ctx_.schedule, ctx_.clock, ctx_.monitor, ctx_.timers,
                                        *warnings_);
     if (auto* version = form_->findChild<QLabel*>(QStringLiteral("lblVersion")))
-        version->setText(
-            QStringLiteral("%1.%2.%3").arg(kVersionMajor).arg(kVersionMinor).arg(kVersionRevision));
+        version->setText(QLatin1String(kVersionText));
 
-    ctx_.settings.writeNumber(keys::Options, keys::Tray, ctx_.instance.handle());
+    ctx_.settings.writeNumber(option("tray"), ctx_.instance.handle());
     ctx_.instance.listen([this](int keyCode) {
         if (onKeyDown)
             onKeyDown(keyCode);
@@ -71,32 +66,25 @@ bool TarvoProgram::Form_Load() {
                     area.y() + (area.height() - form_->height()) / 2);
     }
 
-    SettingsLoadSteps steps;
-    steps.loadScheme = [this](const QString& scheme) { useScheme(scheme); };
-    steps.showWarning = [this](const QString& warning) { form_->setWarning(warning); };
-    steps.monitorSource = [this](int source, std::int32_t on) {
-        if (on != 0)
-            ctx_.monitor.InstallFilter(source, true);
-    };
     ctx_.schedule.ExercisePromptPending = false;
-    loadAllSettings(ctx_.settings, ctx_.record, steps);
+    loadAllSettings(ctx_.settings, ctx_.record, this);
 
     form_->scheduler().SetTimers();
     const std::int32_t now = ctx_.clock.tickCount();
     ctx_.schedule.LastActivityTimes = {now, now};
 
-    ctx_.tray.add(icon_, kTip, [this](int message) {
+    ctx_.tray.add(icon_, QLatin1String(kProgramTitle), [this](int message) {
         if (onTrayMessage)
             onTrayMessage(message);
     });
     form_->hide();
 
-    ctx_.settings.write(keys::Options, keys::AppPath, ctx_.programFolder);
+    ctx_.settings.write(option("AppPath"), ctx_.programFolder);
     return true;
 }
 
 void TarvoProgram::FirstTimeInitialise() {
-    if (ctx_.settings.readText(keys::Options, keys::Initialised, QStringLiteral("0")) == QLatin1String("1"))
+    if (ctx_.settings.readText(option("Initialised")) == QLatin1String("1"))
         return;
 
     // A registry editor of the system's own takes precedence over the program's copy, which then goes.
@@ -112,7 +100,7 @@ void TarvoProgram::FirstTimeInitialise() {
                               QStringLiteral("/tarvo32.reg\""));
     ctx_.processes.runAndWait(ctx_.programFolder + QStringLiteral("/tarvomultimedia"));
     // Set even when a program was missing: the import is not retried on every start.
-    ctx_.settings.write(keys::Options, keys::Initialised, QStringLiteral("1"));
+    ctx_.settings.write(option("Initialised"), QStringLiteral("1"));
 }
 
 void TarvoProgram::useScheme(const QString& name) {
@@ -121,18 +109,33 @@ void TarvoProgram::useScheme(const QString& name) {
 }
 
 void TarvoProgram::commitOptions() {
-    commitSettings(ctx_.settings, ctx_.record, [this] {
-        const ExerciseTable& table = ctx_.exercises;
-        SaveScheme(ctx_.settings, table.CurrentScheme, table.Exercises, table.ExerciseCount);
-    });
+    commitSettings(ctx_.settings, ctx_.record, this);
     form_->scheduler().ApplyOptions();
+}
+
+void TarvoProgram::schemeRead(const QString& scheme) {
+    useScheme(scheme);
+}
+
+void TarvoProgram::warningRead(const QString& warning) {
+    form_->setWarning(warning);
+}
+
+void TarvoProgram::monitorRead(int channel, std::int32_t on) {
+    if (on != 0)
+        ctx_.monitor.InstallFilter(channel, true);
+}
+
+void TarvoProgram::saveScheme() {
+    const ExerciseTable& table = ctx_.exercises;
+    SaveScheme(ctx_.settings, table.CurrentScheme, table.Exercises, table.ExerciseCount);
 }
 
 void TarvoProgram::Form_Unload() {
     ctx_.monitor.InstallFilter(0, false);
     ctx_.monitor.InstallFilter(1, false);
     ctx_.tray.remove();
-    ctx_.settings.write(keys::Options, keys::Tray, QStringLiteral("0"));
+    ctx_.settings.writeNumber(option("tray"), 0);
     if (closeVideo)
         closeVideo();
     ctx_.instance.release();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "settings/SettingsPort.h"
+
 #include <QIcon>
 
 #include <functional>
@@ -12,7 +14,7 @@ class frmTarvo;
 class WarningSounds;
 
 // The program's life: start-up (Form_Load), first-run initialisation and shut-down (Form_Unload).
-class TarvoProgram {
+class TarvoProgram : private SettingsPort {
 public:
     // The key code a second start sends to ask the running instance to shut down.
     static constexpr int kShutdownKey = 99;
@@ -46,6 +48,12 @@ public:
     std::function<void()> closeVideo;
 
 private:
+    // Start-up's steps among the reads of the options, and Apply's scheme save.
+    void schemeRead(const QString& scheme) override;
+    void warningRead(const QString& warning) override;
+    void monitorRead(int channel, std::int32_t on) override;
+    void saveScheme() override;
+
     AppContext& ctx_;
     QIcon icon_;
     std::unique_ptr<WarningSounds> warnings_;

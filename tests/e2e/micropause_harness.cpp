@@ -10,7 +10,7 @@
 #include "platform/linux/ProgramFolder.h"
 #include "platform/linux/QtTimer.h"
 #include "platform/linux/SystemClock.h"
-#include "shell/SettingsRecord.h"
+#include "settings/SettingsRecord.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

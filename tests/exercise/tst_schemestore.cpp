@@ -3,7 +3,7 @@
 #include "core/RuntimeError.h"
 #include "exercise/SchemeStore.h"
 #include "platform/fake/MemoryRegistryStore.h"
-#include "shell/SettingsStore.h"
+#include "settings/SettingsStore.h"
 
 #include <QtTest>
 

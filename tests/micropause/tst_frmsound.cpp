@@ -3,7 +3,7 @@
 #include "micropause/frmSound.h" // first, to show that it stands on its own
 #include "platform/fake/ScriptedFileDialog.h"
 #include "platform/linux/QtFileDialog.h"
-#include "shell/SettingsRecord.h"
+#include "settings/SettingsRecord.h"
 
 #include <QPushButton>
 #include <QRadioButton>

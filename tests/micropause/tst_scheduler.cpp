@@ -8,7 +8,7 @@
 #include "platform/fake/FakeActivityMonitor.h"
 #include "platform/fake/FakeClock.h"
 #include "platform/fake/ManualTimer.h"
-#include "shell/SettingsRecord.h"
+#include "settings/SettingsRecord.h"
 
 #include <QtTest>
 

@@ -4,7 +4,7 @@
 #include "micropause/WarningSounds.h" // first, to show that it stands on its own
 #include "platform/fake/RecordingSoundPlayer.h"
 #include "platform/linux/CanberraSoundPlayer.h"
-#include "shell/SettingsRecord.h"
+#include "settings/SettingsRecord.h"
 
 #include <QElapsedTimer>
 #include <QProcess>

@@ -5,7 +5,7 @@
 #include "exercise/ExerciseTable.h"
 #include "exercise/SchemeStore.h"
 #include "platform/linux/FileRegistryStore.h"
-#include "shell/SettingsStore.h"
+#include "settings/SettingsStore.h"
 #include "support/AviReader.h"
 
 #include <QDir>

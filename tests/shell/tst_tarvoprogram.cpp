@@ -13,7 +13,8 @@
 #include "platform/fake/RecordingSoundPlayer.h"
 #include "platform/fake/ScriptedMessageBox.h"
 #include "shell/AppContext.h"
-#include "shell/SettingsKeys.h"
+#include "shell/FatalError.h"
+#include "shell/ProgramIcon.h"
 #include "shell/TarvoProgram.h"
 
 #include <QTemporaryDir>
@@ -68,7 +69,7 @@ private slots:
             readsBeforeRun << rig.store.reads().size();
             // The import writes the shipped defaults; start-up must read what it wrote.
             if (command.contains("tarvo32.reg"))
-                rig.store.model().setValue(keys::Micropause, keys::InterruptEvery, "7");
+                rig.store.model().setValue("Micropause", "InterruptEvery", "7");
         };
         QVERIFY(rig.program.Form_Load());
 
@@ -103,7 +104,7 @@ private slots:
     // Apply saves the edited scheme between "ViewAm" and "Scheme" and moves the running countdowns.
     void commitSavesTheSchemeInOrder() {
         Rig rig;
-        rig.store.model().setValue(keys::Options, keys::Initialised, "1");
+        rig.store.model().setValue("Options", "Initialised", "1");
         QVERIFY(rig.program.Form_Load());
         ExerciseTable& table = rig.ctx.exercises;
         table.Exercises[1] = {"wrists.avi", "Circle your wrists", 1, 20};
@@ -153,7 +154,7 @@ private slots:
         for (const QString& line : {QString(), QStringLiteral("SHUTDOWN"), QStringLiteral("shut down")}) {
             Rig rig;
             rig.instance.setOtherInstanceRunning(true);
-            rig.store.model().setValue(keys::Options, keys::Tray, "1234");
+            rig.store.model().setValue("Options", "tray", "1234");
             rig.ctx.commandLine = line;
             QVERIFY(!rig.program.Form_Load());
             const FakeSingleInstance::Sent expected{1234, line == QStringLiteral("SHUTDOWN") ? 99 : 0};
@@ -172,9 +173,9 @@ private slots:
 
     void aBadOptionStopsStartUp() {
         Rig rig;
-        rig.store.model().setValue(keys::Options, keys::Initialised, "1");
-        rig.store.model().setValue(keys::Micropause, keys::monitor(0), "0");
-        rig.store.model().setValue(keys::Exercise, keys::NumAtaTime, "six");
+        rig.store.model().setValue("Options", "Initialised", "1");
+        rig.store.model().setValue("Micropause", "Monitor0", "0");
+        rig.store.model().setValue("Exercise", "NumAtaTime", "six");
         try {
             rig.program.Form_Load();
             QFAIL("start-up went on past a bad option");
@@ -186,11 +187,35 @@ private slots:
         QVERIFY(!rig.monitor.isOn(0) && !rig.monitor.isOn(1));
 
         // Keyboard watching off in the options: only the mouse is watched.
-        rig.store.model().setValue(keys::Exercise, keys::NumAtaTime, "6");
+        rig.store.model().setValue("Exercise", "NumAtaTime", "6");
         Rig second;
         second.store.model() = rig.store.model();
         QVERIFY(second.program.Form_Load());
         QVERIFY(!second.monitor.isOn(0) && second.monitor.isOn(1));
+    }
+
+    // What the user reads when an error ends the program.
+    void fatalErrorTexts() {
+        QCOMPARE(fatalErrorText(StoreError("The settings file is damaged")), "The settings file is damaged");
+        QVERIFY(fatalErrorText(std::runtime_error("boom")).contains("boom"));
+        QVERIFY(fatalErrorText(RuntimeError(vberr::Overflow)).startsWith("Run-time error '6':"));
+    }
+
+    // The icon has a picture of its own for each common size, not one picture scaled: at every size
+    // the badge fills the square and its pause bars are light on a dark body.
+    void programIconIsDrawnAtEverySize() {
+        const QIcon icon = programIcon();
+        for (const int size : {16, 22, 32, 256}) {
+            const QImage image = icon.pixmap(size, size).toImage();
+            QCOMPARE(image.size(), QSize(size, size));
+            const auto lightness = [&](double x, double y) {
+                return QColor(image.pixel(int(x * size), int(y * size))).lightness();
+            };
+            const QByteArray at = QByteArray::number(size);
+            QVERIFY2(qAlpha(image.pixel(size / 2, 1)) > 0 && qAlpha(image.pixel(1, size / 2)) > 0, at);
+            QVERIFY2(lightness(0.34, 0.5) > 220 && lightness(0.66, 0.5) > 220, at);
+            QVERIFY2(lightness(0.5, 0.5) < 140 && lightness(0.5, 0.15) < 160, at);
+        }
     }
 };
 

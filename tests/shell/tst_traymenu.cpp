@@ -5,7 +5,7 @@
 #include "exercise/SchemeStore.h"
 #include "platform/fake/FakeTrayIcon.h"
 #include "platform/fake/MemoryRegistryStore.h"
-#include "shell/SettingsStore.h"
+#include "settings/SettingsStore.h"
 #include "shell/TrayHook.h"
 #include "shell/TrayMenu.h"
 

@@ -1,5 +1,6 @@
 #include "platform/linux/CanberraSoundPlayer.h"
 
+#include "core/ProgramInfo.h"
 #include "platform/linux/CanberraLibrary.h"
 
 #include <QFile>
@@ -73,8 +74,8 @@ ca_context* CanberraSoundPlayer::context() {
         return nullptr; // not installed: silence, for good
     ca_context* context = nullptr;
     if (ca->context_create(&context) == CA_SUCCESS) {
-        ca->context_change_props(context, CA_PROP_APPLICATION_NAME, "Tarvo Micropause",
-                                 CA_PROP_APPLICATION_ID, "tarvo-micropause", nullptr);
+        ca->context_change_props(context, CA_PROP_APPLICATION_NAME, kProgramTitle, CA_PROP_APPLICATION_ID,
+                                 "tarvo-micropause", nullptr);
         if (ca->context_open(context) == CA_SUCCESS) {
             failedAt_.reset();
             context_ = context;

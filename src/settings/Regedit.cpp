@@ -1,4 +1,4 @@
-#include "shell/Regedit.h"
+#include "settings/Regedit.h"
 
 #include "core/RegFileCodec.h"
 #include "core/RegistryStore.h"

@@ -1,7 +1,8 @@
-#include "shell/SettingsStore.h"
+#include "settings/SettingsStore.h"
 
 #include "core/RuntimeError.h"
 #include "core/VbConvert.h"
+#include "settings/Options.h"
 
 namespace tarvo {
 
@@ -30,6 +31,24 @@ void SettingsStore::write(const QString& section, const QString& key, const QStr
 
 void SettingsStore::writeNumber(const QString& section, const QString& key, std::int32_t value) {
     store_.setValue(section, key, vb::toText(value));
+}
+
+QString SettingsStore::readText(const Option& option) {
+    return readText(option.sectionName(), option.keyName(), option.defaultText());
+}
+
+std::int32_t SettingsStore::readNumber(const Option& option) {
+    return readNumber(option.sectionName(), option.keyName(), option.numberDefault);
+}
+
+void SettingsStore::write(const Option& option, const QString& text) {
+    write(option.sectionName(), option.keyName(), text);
+}
+
+void SettingsStore::writeNumber(const Option& option, std::int32_t value) {
+    if (option.kind == OptionKind::YesNo)
+        value = value != 0 ? 1 : 0;
+    writeNumber(option.sectionName(), option.keyName(), value);
 }
 
 } // namespace tarvo

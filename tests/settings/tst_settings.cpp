@@ -1,0 +1,144 @@
+// The settings layer: a fresh profile's defaults, the order of reads and writes with start-up's and
+// Apply's steps among them, the Esc merge, and stored text that is not a number.
+#include "core/RuntimeError.h"
+#include "platform/fake/MemoryRegistryStore.h"
+#include "settings/LoadAndCommit.h"
+#include "settings/Options.h"
+#include "settings/SettingsPort.h"
+
+#include <QtTest>
+
+using namespace tarvo;
+
+namespace {
+
+// Notes each step with the number of store accesses before it.
+struct StepLog : SettingsPort {
+    MemoryRegistryStore& store;
+    QStringList steps;
+    explicit StepLog(MemoryRegistryStore& s)
+        : store(s) {}
+    void schemeRead(const QString& s) override { note("scheme " + s, store.reads().size()); }
+    void warningRead(const QString& w) override { note("warning " + w, store.reads().size()); }
+    void monitorRead(int channel, std::int32_t on) override {
+        note(QStringLiteral("monitor %1=%2").arg(channel).arg(on), store.reads().size());
+    }
+    void saveScheme() override {
+        note("save scheme", qsizetype(store.writes().size()));
+        store.setValue("Scheme*Medium break", "Num", "0");
+    }
+    void note(const QString& what, qsizetype before) {
+        steps << QStringLiteral("%1 @%2").arg(what).arg(before);
+    }
+};
+
+} // namespace
+
+class TestSettings : public QObject {
+    Q_OBJECT
+
+private slots:
+    void freshProfileLoadsTheDefaultsInOrder() {
+        MemoryRegistryStore store;
+        SettingsStore settings(store);
+        SettingsRecord r;
+        r.InterruptFor = 99; // whatever the record held before is replaced
+        r.Monitor = {0, 0};
+        StepLog log(store);
+        loadAllSettings(settings, r, &log);
+
+        QVERIFY(r.Scheme == "*Medium break" && r.EveryM == 50 && r.AudibleX == 1 &&
+                r.WarningSoundX.isEmpty());
+        QVERIFY(r.BlankX == 1 && r.ViewAm == 0 && r.xStart == 0 && r.NumAtaTime == 6);
+        QVERIFY(r.InterruptFor == 15 && r.InterruptEvery == 4 && r.IntelliReset == 1 && r.Audible == 1);
+        QVERIFY(r.WarningSound.isEmpty() && r.AudiblePre == 1 && r.WarningSoundPre.isEmpty());
+        QVERIFY(r.DisableEsc == 0 && r.Blank == 1 && (r.Monitor == std::array<std::int32_t, 2>{1, 1}));
+        QCOMPARE(r.Warning, "Hands off Keyboard && Mouse, look away, relax.");
+        QVERIFY(r == SettingsRecord{});
+
+        QCOMPARE(store.reads().join(' ').remove("Exercise/").remove("Micropause/"),
+                 "Scheme EveryM AudibleX WarningSoundX BlankX ViewAm xStart NumAtaTime InterruptFor "
+                 "InterruptEvery IntelliReset Audible WarningSound AudiblePre WarningSoundPre DisableEsc "
+                 "DisableEsc2 Blank Warning Monitor0 Monitor1");
+        QVERIFY(store.reads().first().startsWith("Exercise/") && store.reads()[8].startsWith("Micropause/"));
+        QCOMPARE(log.steps, (QStringList{"scheme *Medium break @1",
+                                         "warning Hands off Keyboard && Mouse, look away, relax. @19",
+                                         "monitor 0=1 @20", "monitor 1=1 @21"}));
+        QVERIFY2(store.writes().empty(), "loading never writes");
+    }
+
+    void storedValuesAndTheEscMerge() {
+        MemoryRegistryStore store;
+        auto& m = store.model();
+        m.setValue("Micropause", "DISABLEESC", "0");
+        m.setValue("Micropause", "DisableEsc2", "1");
+        m.setValue("Micropause", "InterruptEvery", "2.5");
+        m.setValue("Micropause", "Monitor0", "0");
+        SettingsStore settings(store);
+        SettingsRecord record;
+        loadAllSettings(settings, record);
+        QCOMPARE(record.DisableEsc, 1);
+        QCOMPARE(record.InterruptEvery, 2); // numbers are read as the conversions read them
+        QCOMPARE(record.Monitor, (std::array<std::int32_t, 2>{0, 1}));
+
+        // Apply with the Esc box cleared writes only "DisableEsc"; the outside switch still forbids Esc.
+        record.DisableEsc = 0;
+        commitSettings(settings, record);
+        QCOMPARE(m.value("Micropause", "DisableEsc"), std::optional<QString>("0"));
+        QCOMPARE(m.value("Micropause", "DisableEsc2"), std::optional<QString>("1"));
+        SettingsRecord again;
+        loadAllSettings(settings, again);
+        QCOMPARE(again.DisableEsc, 1);
+        QCOMPARE(m.keys("Micropause").first(), "DISABLEESC"); // first-written case kept
+    }
+
+    void commitWritesEveryKeyInOrder() {
+        MemoryRegistryStore store;
+        SettingsStore settings(store);
+        SettingsRecord r;
+        r.InterruptFor = 30;
+        r.Audible = 5; // a check box only knows checked and cleared
+        r.xStart = -1;
+        r.Warning = "Rest && breathe";
+        StepLog log(store);
+        commitSettings(settings, r, &log);
+        QStringList written;
+        for (const auto& w : store.writes())
+            written << w.key + '=' + w.text;
+        QCOMPARE(written.join(' '), "InterruptFor=30 InterruptEvery=4 Audible=1 WarningSound= AudiblePre=1 "
+                                    "WarningSoundPre= Blank=1 Warning=Rest && breathe DisableEsc=0 "
+                                    "IntelliReset=1 Monitor0=1 Monitor1=1 AudibleX=1 EveryM=50 "
+                                    "WarningSoundX= BlankX=1 ViewAm=0 Num=0 Scheme=*Medium break xStart=-1 "
+                                    "NumAtaTime=6");
+        QCOMPARE(store.writes()[11].section, "Micropause");
+        QCOMPARE(store.writes()[12].section, "Exercise");
+        QCOMPARE(log.steps, QStringList{"save scheme @17"});
+        QCOMPARE(store.batchesCompleted(), 1); // one durable update for the whole Apply
+    }
+
+    void badNumbersNameTheSetting() {
+        for (const auto& [text, error] :
+             {std::pair{"abc", vberr::TypeMismatch}, std::pair{"99999999999", vberr::Overflow}}) {
+            MemoryRegistryStore store;
+            store.model().setValue("Micropause", "InterruptEvery", QLatin1String(text));
+            SettingsStore settings(store);
+            SettingsRecord record;
+            record.InterruptFor = 1;
+            try {
+                loadAllSettings(settings, record);
+                QFAIL("the load went on past a bad number");
+            } catch (const RuntimeError& e) {
+                QCOMPARE(e.number(), error);
+                QVERIFY2(e.report().contains(QStringLiteral("\"InterruptEvery\" in section \"Micropause\" "
+                                                            "holds \"%1\"")
+                                                 .arg(QLatin1String(text))),
+                         qPrintable(e.report()));
+            }
+            QCOMPARE(record.InterruptFor, 15);                           // read before the bad key
+            QCOMPARE(store.reads().last(), "Micropause/InterruptEvery"); // nothing after it
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSettings)
+#include "tst_settings.moc"
