@@ -1,6 +1,6 @@
 #pragma once
 
-#include "exercise/ExerciseTable.h"
+#include "engine/ExerciseTable.h"
 
 #include <QStringList>
 

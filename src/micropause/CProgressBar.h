@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/CountdownBar.h"
 #include "micropause/PictureBox.h"
 
 #include <QPointer>
@@ -29,7 +30,7 @@ namespace tarvo {
 // RuntimeError in the object-error range and leaves the bar unchanged. Whole-number arithmetic is
 // checked: an overflow is run-time error 6. Everything except the setters does nothing until a canvas
 // is set; a canvas that is destroyed counts as none.
-class CProgressBar {
+class CProgressBar : public CountdownBar {
 public:
     CProgressBar() = default;
     CProgressBar(const CProgressBar&) = delete;
@@ -41,13 +42,13 @@ public:
     PictureBox* Canvas() const { return Canvas_; }
 
     // Stored clamped to Min..Max. Changing Min or Max does not re-clamp it.
-    void setValue(std::int32_t value);
-    std::int32_t Value() const { return Value_; }
+    void setValue(std::int32_t value) override;
+    std::int32_t Value() const override { return Value_; }
     // Min must stay below Max (object error 2 / 3 otherwise).
     void setMin(std::int32_t value);
     std::int32_t Min() const { return Min_; }
-    void setMax(std::int32_t value);
-    std::int32_t Max() const { return Max_; }
+    void setMax(std::int32_t value) override;
+    std::int32_t Max() const override { return Max_; }
 
     // Colours of lit and unlit blocks, plain or system colours (resolved when drawing).
     void setForeColor(OleColor color);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "micropause/Warnings.h"
+#include "engine/Warnings.h"
 
 #include <QString>
 

@@ -1,10 +1,9 @@
 #include "micropause/frmTarvo.h"
 
-#include "core/Timer.h"
+#include "engine/BreakEngine.h"
 #include "micropause/BlackCover.h"
 #include "micropause/BreakLayout.h"
 #include "micropause/PictureBox.h"
-#include "micropause/Warnings.h"
 #include "ui_frmTarvo.h"
 
 #include <QCursor>
@@ -37,15 +36,9 @@ QString captionText(const QString& caption) {
 
 } // namespace
 
-frmTarvo::frmTarvo(const SettingsRecord& settings, SchedulerState& state, const Clock& clock,
-                   ActivityMonitor& monitor, TimerFactory& timers, Warnings& warnings, QWidget* parent)
+frmTarvo::frmTarvo(QWidget* parent)
     : QWidget(parent)
-    , ui(std::make_unique<Ui::frmTarvo>())
-    , warnings_(warnings)
-    , tMinutes_(timers.createTimer())
-    , tSeconds_(timers.createTimer())
-    , scheduler_(settings, state, clock, monitor, *tMinutes_, *tSeconds_, *this)
-    , break_(settings, state, scheduler_, *tSeconds_, bar_, warnings, *this, clock) {
+    , ui(std::make_unique<Ui::frmTarvo>()) {
     ui->setupUi(this);
     connect(ui->cmdOK, &QPushButton::clicked, this, &frmTarvo::cmdOK_Click);
     connect(ui->cmdCancel, &QPushButton::clicked, this, &frmTarvo::cmdCancel_Click);
@@ -61,10 +54,6 @@ frmTarvo::frmTarvo(const SettingsRecord& settings, SchedulerState& state, const 
     bar_.setBackColor(kBarTrack);
     connect(ui->picPB, &PictureBox::Resize, this, [this] { bar_.ResizeEx(); });
     applyBreakLayout(designedBreakLayout(), false);
-
-    // The timers stay off until start-up calls SetTimers.
-    tMinutes_->setHandler([this] { scheduler_.tMinutes_Timer(); });
-    tSeconds_->setHandler([this] { scheduler_.tSeconds_Timer(); });
 }
 
 frmTarvo::~frmTarvo() {
@@ -72,28 +61,14 @@ frmTarvo::~frmTarvo() {
         delete cover.data();
 }
 
+void frmTarvo::attach(BreakEngine& engine) {
+    engine_ = &engine;
+}
+
 void frmTarvo::setWarning(const QString& text) {
     ui->lblWarning->setText(captionText(text));
 }
 
-void frmTarvo::TarvoMicropause() {
-    break_.TarvoMicropause();
-}
-void frmTarvo::breakTick() {
-    break_.breakTick();
-}
-void frmTarvo::AudibleWarningPre() {
-    warnings_.AudibleWarningPre();
-}
-void frmTarvo::AudibleWarningX() {
-    warnings_.AudibleWarningX();
-}
-void frmTarvo::showExercisePrompt() {
-    emit exercisePromptDue();
-}
-void frmTarvo::exerciseTick() {
-    emit exerciseTicked();
-}
 void frmTarvo::showExerciseStatus(const QString& text) {
     ui->lblExercise->setText(text);
 }
@@ -200,7 +175,8 @@ void frmTarvo::dismissBreak() {
 }
 
 void frmTarvo::cmdCancel_Click() {
-    break_.cmdCancel_Click();
+    if (engine_)
+        engine_->micropause().cmdCancel_Click();
 }
 
 void frmTarvo::lblESC_DblClick() {

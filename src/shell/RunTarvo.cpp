@@ -2,6 +2,8 @@
 
 #include "about/frmAboutKelmar.h"
 #include "core/ProgramInfo.h"
+#include "engine/AppContext.h"
+#include "engine/BreakEngine.h"
 #include "exercise/SchemeStore.h"
 #include "micropause/frmTarvo.h"
 #include "platform/linux/ActivityMonitorFactory.h"
@@ -14,7 +16,6 @@
 #include "platform/linux/QtTimer.h"
 #include "platform/linux/QtTrayIcon.h"
 #include "platform/linux/SystemClock.h"
-#include "shell/AppContext.h"
 #include "shell/FatalError.h"
 #include "shell/ProgramIcon.h"
 #include "shell/TarvoApplication.h"
@@ -76,14 +77,13 @@ int runTarvo(int& argc, char** argv) {
         QProcessRunner processes;
         LocalSingleInstance instance;
         QtTrayIcon tray;
-        AppContext ctx(store, clock, timers, *monitor, sound, processes, instance, tray, messageBox);
-        ctx.programFolder = folder;
-        ctx.commandLine = wholeArgumentText(argc, argv);
-        ctx.windir = qEnvironmentVariable("windir");
+        AppContext ctx(store, clock, timers, *monitor, sound, messageBox, folder);
 
         const QIcon icon = programIcon();
         QApplication::setWindowIcon(icon); // the status window and the About box carry it too
-        TarvoProgram program(ctx, icon);
+        TarvoProgram program(
+            ctx, {instance, tray, processes, wholeArgumentText(argc, argv), qEnvironmentVariable("windir")},
+            icon);
         bool unloaded = false;
         const auto shutdown = [&] {
             if (!std::exchange(unloaded, true))
@@ -103,7 +103,7 @@ int runTarvo(int& argc, char** argv) {
             about->show();
             about->raise();
         };
-        actions.micropauseNow = [&] { program.form().TarvoMicropause(); };
+        actions.micropauseNow = [&] { program.engine().micropause().TarvoMicropause(); };
         actions.scheme = [&](int, const QString& name) { program.useScheme(name); };
         actions.shutdown = shutdown;
         TrayMenu menu([&] { return readSchemeList(ctx.settings); }, actions);

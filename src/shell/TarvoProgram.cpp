@@ -7,12 +7,13 @@
 #include "core/ProgramInfo.h"
 #include "core/SingleInstance.h"
 #include "core/TrayIcon.h"
+#include "engine/AppContext.h"
+#include "engine/BreakEngine.h"
 #include "exercise/SchemeStore.h"
 #include "micropause/WarningSounds.h"
 #include "micropause/frmTarvo.h"
 #include "settings/LoadAndCommit.h"
 #include "settings/Options.h"
-#include "shell/AppContext.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -22,38 +23,40 @@
 
 namespace tarvo {
 
-TarvoProgram::TarvoProgram(AppContext& context, QIcon icon)
+TarvoProgram::TarvoProgram(AppContext& context, ShellContext shell, QIcon icon)
     : ctx_(context)
+    , shell_(std::move(shell))
     , icon_(std::move(icon)) {}
 
 TarvoProgram::~TarvoProgram() = default;
 
 bool TarvoProgram::Form_Load() {
-    const bool shutdownRequested = ctx_.commandLine.toLower() == QLatin1String("shutdown");
+    const bool shutdownRequested = shell_.commandLine.toLower() == QLatin1String("shutdown");
 
     // The window searches of the classic program never found anything; the instance lock is what
     // tells that another instance runs.
-    if (ctx_.instance.previousInstance()) {
+    if (shell_.instance.previousInstance()) {
         const std::int32_t tray = ctx_.settings.readNumber(option("tray"));
         if (tray == 0) {
             ctx_.messages.show(QStringLiteral("Tarvo Micropause is already running in the System Tray"),
                                QStringLiteral("Tarvo"), MessageBox::Buttons::Ok);
             return false;
         }
-        ctx_.instance.sendKeyDown(tray, shutdownRequested ? kShutdownKey : 0);
+        shell_.instance.sendKeyDown(tray, shutdownRequested ? kShutdownKey : 0);
         return false;
     }
     if (shutdownRequested)
         return false; // nothing runs that could be shut down, and nothing is written
 
     warnings_ = std::make_unique<WarningSounds>(ctx_.record, ctx_.sound, ctx_.programFolder);
-    form_ = std::make_unique<frmTarvo>(ctx_.record, ctx_.schedule, ctx_.clock, ctx_.monitor, ctx_.timers,
-                                       *warnings_);
+    form_ = std::make_unique<frmTarvo>();
+    engine_ = std::make_unique<BreakEngine>(ctx_, *form_, *warnings_);
+    form_->attach(*engine_);
     if (auto* version = form_->findChild<QLabel*>(QStringLiteral("lblVersion")))
         version->setText(QLatin1String(kVersionText));
 
-    ctx_.settings.writeNumber(option("tray"), ctx_.instance.handle());
-    ctx_.instance.listen([this](int keyCode) {
+    ctx_.settings.writeNumber(option("tray"), shell_.instance.handle());
+    shell_.instance.listen([this](int keyCode) {
         if (onKeyDown)
             onKeyDown(keyCode);
     });
@@ -69,11 +72,11 @@ bool TarvoProgram::Form_Load() {
     ctx_.schedule.ExercisePromptPending = false;
     loadAllSettings(ctx_.settings, ctx_.record, this);
 
-    form_->scheduler().SetTimers();
+    engine_->scheduler().SetTimers();
     const std::int32_t now = ctx_.clock.tickCount();
     ctx_.schedule.LastActivityTimes = {now, now};
 
-    ctx_.tray.add(icon_, QLatin1String(kProgramTitle), [this](int message) {
+    shell_.tray.add(icon_, QLatin1String(kProgramTitle), [this](int message) {
         if (onTrayMessage)
             onTrayMessage(message);
     });
@@ -88,7 +91,7 @@ void TarvoProgram::FirstTimeInitialise() {
         return;
 
     // A registry editor of the system's own takes precedence over the program's copy, which then goes.
-    const QString systemEditor = ctx_.windir + QStringLiteral("/regedit");
+    const QString systemEditor = shell_.windir + QStringLiteral("/regedit");
     const QString ownEditor = ctx_.programFolder + QStringLiteral("/regedit");
     QString editor = ownEditor;
     if (QFileInfo(systemEditor).isFile()) {
@@ -96,9 +99,9 @@ void TarvoProgram::FirstTimeInitialise() {
         if (QFileInfo(ownEditor).isFile())
             QFile::remove(ownEditor);
     }
-    ctx_.processes.runAndWait(editor + QStringLiteral(" /s \"") + ctx_.programFolder +
-                              QStringLiteral("/tarvo32.reg\""));
-    ctx_.processes.runAndWait(ctx_.programFolder + QStringLiteral("/tarvomultimedia"));
+    shell_.processes.runAndWait(editor + QStringLiteral(" /s \"") + ctx_.programFolder +
+                                QStringLiteral("/tarvo32.reg\""));
+    shell_.processes.runAndWait(ctx_.programFolder + QStringLiteral("/tarvomultimedia"));
     // Set even when a program was missing: the import is not retried on every start.
     ctx_.settings.write(option("Initialised"), QStringLiteral("1"));
 }
@@ -110,7 +113,7 @@ void TarvoProgram::useScheme(const QString& name) {
 
 void TarvoProgram::commitOptions() {
     commitSettings(ctx_.settings, ctx_.record, this);
-    form_->scheduler().ApplyOptions();
+    engine_->scheduler().ApplyOptions();
 }
 
 void TarvoProgram::schemeRead(const QString& scheme) {
@@ -134,11 +137,11 @@ void TarvoProgram::saveScheme() {
 void TarvoProgram::Form_Unload() {
     ctx_.monitor.InstallFilter(0, false);
     ctx_.monitor.InstallFilter(1, false);
-    ctx_.tray.remove();
+    shell_.tray.remove();
     ctx_.settings.writeNumber(option("tray"), 0);
     if (closeVideo)
         closeVideo();
-    ctx_.instance.release();
+    shell_.instance.release();
 }
 
 } // namespace tarvo

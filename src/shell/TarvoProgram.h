@@ -3,6 +3,7 @@
 #include "settings/SettingsPort.h"
 
 #include <QIcon>
+#include <QString>
 
 #include <functional>
 #include <memory>
@@ -10,8 +11,21 @@
 namespace tarvo {
 
 struct AppContext;
+class BreakEngine;
+class ProcessRunner;
+class SingleInstance;
+class TrayIcon;
 class frmTarvo;
 class WarningSounds;
+
+// The seams that only start-up, shut-down and the tray use, and what the program was started with.
+struct ShellContext {
+    SingleInstance& instance;
+    TrayIcon& tray;
+    ProcessRunner& processes;
+    QString commandLine; // the arguments joined by single blanks
+    QString windir;      // the "windir" environment variable (normally unset here)
+};
 
 // The program's life: start-up (Form_Load), first-run initialisation and shut-down (Form_Unload).
 class TarvoProgram : private SettingsPort {
@@ -19,7 +33,7 @@ public:
     // The key code a second start sends to ask the running instance to shut down.
     static constexpr int kShutdownKey = 99;
 
-    TarvoProgram(AppContext& context, QIcon icon);
+    TarvoProgram(AppContext& context, ShellContext shell, QIcon icon);
     ~TarvoProgram();
     TarvoProgram(const TarvoProgram&) = delete;
     TarvoProgram& operator=(const TarvoProgram&) = delete;
@@ -39,6 +53,7 @@ public:
     void commitOptions();
 
     frmTarvo& form() { return *form_; }
+    BreakEngine& engine() { return *engine_; }
 
     // Where the tray icon's mouse messages and the key codes of later starts go (the tray menu's
     // decoder); set before Form_Load.
@@ -55,9 +70,11 @@ private:
     void saveScheme() override;
 
     AppContext& ctx_;
+    ShellContext shell_;
     QIcon icon_;
     std::unique_ptr<WarningSounds> warnings_;
     std::unique_ptr<frmTarvo> form_;
+    std::unique_ptr<BreakEngine> engine_;
 };
 
 } // namespace tarvo

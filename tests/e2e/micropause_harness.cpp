@@ -2,10 +2,13 @@
 // end-to-end test. Prints what happens on standard output, one line per event.
 //   micropause_harness [--seconds N] [--blank 0|1] [--screenshot FILE --at MS]
 //   micropause_harness --busy-window     a plain window that stands for the user's work
-#include "micropause/SchedulerState.h"
+#include "engine/AppContext.h"
+#include "engine/BreakEngine.h"
 #include "micropause/WarningSounds.h"
 #include "micropause/frmTarvo.h"
 #include "platform/fake/FakeActivityMonitor.h"
+#include "platform/fake/MemoryRegistryStore.h"
+#include "platform/fake/ScriptedMessageBox.h"
 #include "platform/linux/CanberraSoundPlayer.h"
 #include "platform/linux/ProgramFolder.h"
 #include "platform/linux/QtTimer.h"
@@ -67,20 +70,25 @@ int main(int argc, char** argv) {
         return app.exec();
     }
 
-    SettingsRecord settings;
-    settings.InterruptFor = args.value(QStringLiteral("seconds")).toInt();
-    settings.Blank = args.value(QStringLiteral("blank")).toInt();
-    SchedulerState state;
+    MemoryRegistryStore store;
     SystemClock clock;
-    FakeActivityMonitor monitor;
     QtTimerFactory timers;
+    FakeActivityMonitor monitor;
     const QString folder = programFolder();
     CanberraSoundPlayer player(folder + QStringLiteral("/beep.wav"));
+    ScriptedMessageBox messages;
+    AppContext ctx(store, clock, timers, monitor, player, messages, folder);
+    SettingsRecord& settings = ctx.record;
+    settings.InterruptFor = args.value(QStringLiteral("seconds")).toInt();
+    settings.Blank = args.value(QStringLiteral("blank")).toInt();
+    const SchedulerState& state = ctx.schedule;
     WarningSounds sounds(settings, player, folder);
     AnnouncedWarnings warnings(sounds);
-    frmTarvo form(settings, state, clock, monitor, timers, warnings);
+    frmTarvo form;
+    BreakEngine engine(ctx, form, warnings);
+    form.attach(engine);
     form.setWarning(settings.Warning);
-    form.scheduler().SetTimers();
+    engine.scheduler().SetTimers();
 
     for (QScreen* s : QGuiApplication::screens())
         say(QStringLiteral("screen %1 %2x%3+%4+%5")
@@ -102,7 +110,7 @@ int main(int argc, char** argv) {
     const QString shot = args.value(QStringLiteral("screenshot"));
     const int shotAt = args.value(QStringLiteral("at")).toInt();
     QTimer::singleShot(300, &app, [&] {
-        form.TarvoMicropause();
+        engine.micropause().TarvoMicropause();
         say(QStringLiteral("started"));
         watch.start(20);
         if (shot.isEmpty())

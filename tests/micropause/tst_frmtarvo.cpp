@@ -1,26 +1,27 @@
-// The main form: its timers drive the scheduler, its labels show what the scheduler wrote, and the
-// handovers leave it as signals.
-#include "micropause/frmTarvo.h" // first, to show that it stands on its own
-
-// Test doubles and what the form reads.
+// The main form as the engine's view: its labels show what the scheduler wrote, the break screen
+// shows and hides its parts, the countdown bar is drawn, and Esc and the hint reach the engine.
+#include "core/RuntimeError.h"
+#include "engine/AppContext.h"
+#include "engine/BreakEngine.h"
+#include "engine/Warnings.h"
 #include "micropause/PictureBox.h"
-#include "micropause/SchedulerState.h"
-#include "micropause/Warnings.h"
+#include "micropause/frmTarvo.h" // first, to show that it stands on its own
 #include "platform/fake/FakeActivityMonitor.h"
 #include "platform/fake/FakeClock.h"
 #include "platform/fake/ManualTimer.h"
-#include "settings/SettingsRecord.h"
+#include "platform/fake/MemoryRegistryStore.h"
+#include "platform/fake/RecordingSoundPlayer.h"
+#include "platform/fake/ScriptedMessageBox.h"
 
 #include <QLabel>
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QtTest>
 
 using namespace tarvo;
 
 namespace {
 
-// What is heard and when is the micropause's own tests' concern.
+// What is heard and when is the engine's and the warnings' own tests' concern.
 struct SilentWarnings : Warnings {
     void AudibleWarningPre() override {}
     void AudibleWarning() override {}
@@ -38,15 +39,24 @@ int litColumns(const PictureBox* canvas) {
     return n;
 }
 
-// A main form on simulated time; it reads the settings when it uses them.
+// The main form and its engine on simulated time.
 struct FormRig {
-    SettingsRecord settings;
-    SchedulerState state;
+    MemoryRegistryStore store;
     FakeClock clock;
     ManualTimeline timeline{&clock};
     FakeActivityMonitor monitor;
+    RecordingSoundPlayer sound;
+    ScriptedMessageBox messages;
+    AppContext ctx{store, clock, timeline, monitor, sound, messages, QString()};
     SilentWarnings warnings;
-    frmTarvo form{settings, state, clock, monitor, timeline, warnings};
+    frmTarvo form;
+    BreakEngine engine{ctx, form, warnings};
+
+    FormRig() { form.attach(engine); }
+    template <typename T>
+    T* child(const char* name) {
+        return form.findChild<T*>(QLatin1String(name));
+    }
 };
 
 } // namespace
@@ -55,85 +65,84 @@ class TestFrmTarvo : public QObject {
     Q_OBJECT
 
 private slots:
-    void timersDriveTheSchedulerIntoTheLabels() {
+    void statusPanel() {
         FormRig rig;
-        rig.settings.EveryM = 2;
-        frmTarvo& form = rig.form;
-        ManualTimeline& timeline = rig.timeline;
-        const auto text = [&](const char* label) {
-            return form.findChild<QLabel*>(QLatin1String(label))->text();
-        };
-        QSignalSpy prompt(&form, &frmTarvo::exercisePromptDue);
-        QVERIFY(!form.isVisible() && form.findChild<QLabel*>("lbltarvo"));
+        rig.ctx.record.EveryM = 2;
+        QVERIFY(!rig.form.isVisible() && rig.child<QLabel>("lbltarvo"));
+        rig.engine.scheduler().SetTimers();
+        QCOMPARE(rig.child<QLabel>("lblExercise")->text(), "Next Exercise Break: 1 minutes");
+        rig.timeline.advance(15000); // an idle user
+        QCOMPARE(rig.child<QLabel>("lblvoluntary")->text(), "Last natural micropause: 09:00");
 
-        timeline.advance(60000); // nothing runs before start-up arms the timers
-        QCOMPARE(text("lblExercise"), QString());
-        form.scheduler().SetTimers();
-        QCOMPARE(text("lblExercise"), "Next Exercise Break: 1 minutes");
-        timeline.advance(15000); // an idle user
-        QCOMPARE(text("lblvoluntary"), "Last natural micropause: 09:01");
-        timeline.advance(105000);
-        QCOMPARE(text("lblExercise"), "Next Exercise Break: -1 minutes");
-        QCOMPARE(prompt.count(), 1);
-
-        form.show();
-        QTest::mouseClick(form.findChild<QPushButton*>("cmdOK"), Qt::LeftButton);
-        QVERIFY(!form.isVisible());
+        rig.form.show();
+        QTest::mouseClick(rig.child<QPushButton>("cmdOK"), Qt::LeftButton);
+        QVERIFY(!rig.form.isVisible());
     }
 
-    void theBreakScreenOnTheForm() {
+    void theBreakScreen() {
         FormRig rig;
-        rig.settings.InterruptFor = 2;
+        SettingsRecord& settings = rig.ctx.record;
+        settings.InterruptFor = 2;
         frmTarvo& form = rig.form;
-        ManualTimeline& timeline = rig.timeline;
-        SettingsRecord& settings = rig.settings;
         form.setWarning("Hands off Keyboard && Mouse, look away, relax.");
-        auto* lblWarning = form.findChild<QLabel*>("lblWarning");
-        auto* lblESC = form.findChild<QLabel*>("lblESC");
-        auto* picPB = form.findChild<PictureBox*>("picPB");
-        auto* picBlack = form.findChild<QWidget*>("picBlack");
-        auto* cmdOK = form.findChild<QPushButton*>("cmdOK");
-        QCOMPARE(lblWarning->text(), "Hands off Keyboard & Mouse, look away, relax.");
-        form.scheduler().SetTimers();
+        auto* lblESC = rig.child<QLabel>("lblESC");
+        auto* picPB = rig.child<PictureBox>("picPB");
+        auto* picBlack = rig.child<QWidget>("picBlack");
+        auto* cmdOK = rig.child<QPushButton>("cmdOK");
+        QCOMPARE(rig.child<QLabel>("lblWarning")->text(), "Hands off Keyboard & Mouse, look away, relax.");
+        rig.engine.scheduler().SetTimers();
 
         // Blanked: full screen, the panel centred, the hint shown, the bar counting.
-        form.TarvoMicropause();
+        rig.engine.micropause().TarvoMicropause();
         QVERIFY(form.isVisible() && picPB->isVisible() && lblESC->isVisible() && !cmdOK->isVisible());
         QVERIFY(form.windowFlags() & Qt::WindowStaysOnTopHint); // full screen: the end-to-end test
         QCOMPARE(picBlack->geometry().center(), form.rect().center());
-        timeline.advance(1000);
-        QCOMPARE(form.bar().Value(), 11);
+        rig.timeline.advance(1000);
         QVERIFY(picPB->ScaleWidth() > 0);
         QCOMPARE(litColumns(picPB), (11 * picPB->ScaleWidth() + 10) / 20); // 11 of 20 steps
 
-        // Esc ends it on the next tick, through the ordinary ending.
+        // The Esc key reaches the engine, which ends the break on the next tick.
         QTest::keyClick(&form, Qt::Key_Escape);
-        timeline.advance(100);
+        rig.timeline.advance(100);
         QVERIFY(!form.isVisible());
         QVERIFY(cmdOK->isVisibleTo(&form) && !lblESC->isVisibleTo(&form) && !picPB->isVisibleTo(&form));
-        QCOMPARE(form.findChild<QLabel*>("lbltarvo")->text(), "Last tarvo micropause: 09:00");
+        QCOMPARE(rig.child<QLabel>("lbltarvo")->text(), "Last tarvo micropause: 09:00");
         QVERIFY(!(form.windowFlags() & Qt::WindowStaysOnTopHint));
 
-        // At its own size: the panel is the window; a double click on the hint ends the break too.
+        // At its own size the panel is the window; a double click on the hint ends the break too.
         settings.Blank = 0;
-        form.TarvoMicropause();
+        rig.engine.micropause().TarvoMicropause();
         QVERIFY(!(form.windowState() & Qt::WindowFullScreen));
         QCOMPARE(form.size(), picBlack->size());
         QTest::mouseDClick(lblESC, Qt::LeftButton);
-        timeline.advance(100);
+        rig.timeline.advance(100);
         QVERIFY(!form.isVisible());
 
-        // Esc disabled: no hint, and Esc changes nothing. Minimising the break screen hides it.
+        // Esc disabled: no hint. Minimising the break screen hides it; the break runs to its end.
         settings.DisableEsc = 1;
-        form.TarvoMicropause();
+        rig.engine.micropause().TarvoMicropause();
         QVERIFY(!lblESC->isVisible());
-        QTest::keyClick(&form, Qt::Key_Escape);
-        timeline.advance(100);
-        QVERIFY(form.isVisible());
         form.setWindowState(Qt::WindowMinimized);
         QVERIFY(!form.isVisible());
-        timeline.advance(2000);
-        QVERIFY(!rig.state.InMicropause);
+        rig.timeline.advance(2000);
+        QVERIFY(!rig.ctx.schedule.InMicropause);
+    }
+
+    // A break of 0 seconds asks the form's bar for a maximum of 0, which it refuses with its own error
+    // before anything is shown.
+    void aZeroLengthIsTheBarsError() {
+        FormRig rig;
+        rig.ctx.record.InterruptFor = 0;
+        rig.engine.scheduler().SetTimers();
+        try {
+            rig.engine.micropause().TarvoMicropause();
+            QFAIL("a break of 0 seconds started");
+        } catch (const RuntimeError& e) {
+            QCOMPARE(e.number(), vberr::objectError(3));
+            QCOMPARE(e.description(), "Max property must be greater than Min.");
+        }
+        QVERIFY(!rig.ctx.schedule.InMicropause && !rig.engine.tSeconds().isEnabled());
+        QVERIFY(!rig.form.isVisible());
     }
 };
 

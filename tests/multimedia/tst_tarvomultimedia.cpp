@@ -2,7 +2,7 @@
 // is read back by our own AVI reader, by GStreamer (what the player uses) and by Qt's image readers;
 // the shipped schemes, imported by the real regedit, name exactly those files. Also leaves a contact
 // sheet of every exercise in the build's screenshots folder for a person to look at.
-#include "exercise/ExerciseTable.h"
+#include "engine/ExerciseTable.h"
 #include "exercise/SchemeStore.h"
 #include "platform/linux/FileRegistryStore.h"
 #include "settings/SettingsStore.h"

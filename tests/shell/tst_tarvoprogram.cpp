@@ -2,6 +2,8 @@
 // which options are read and the program is switched on, and what shut-down undoes.
 #include "core/RuntimeError.h"
 #include "core/Timer.h"
+#include "engine/AppContext.h"
+#include "engine/BreakEngine.h"
 #include "micropause/frmTarvo.h"
 #include "platform/fake/FakeActivityMonitor.h"
 #include "platform/fake/FakeClock.h"
@@ -12,7 +14,6 @@
 #include "platform/fake/RecordingProcessRunner.h"
 #include "platform/fake/RecordingSoundPlayer.h"
 #include "platform/fake/ScriptedMessageBox.h"
-#include "shell/AppContext.h"
 #include "shell/FatalError.h"
 #include "shell/ProgramIcon.h"
 #include "shell/TarvoProgram.h"
@@ -25,6 +26,9 @@ using namespace tarvo;
 namespace {
 
 struct Rig {
+    explicit Rig(QString commandLine = {})
+        : shell{instance, tray, processes, std::move(commandLine), folder.filePath("windows")} {}
+
     MemoryRegistryStore store;
     FakeClock clock{5000};
     ManualTimeline timeline{&clock};
@@ -34,14 +38,10 @@ struct Rig {
     FakeSingleInstance instance;
     FakeTrayIcon tray;
     ScriptedMessageBox messages;
-    AppContext ctx{store, clock, timeline, monitor, sound, processes, instance, tray, messages};
     QTemporaryDir folder;
-    TarvoProgram program{ctx, QIcon()};
-
-    Rig() {
-        ctx.programFolder = folder.path();
-        ctx.windir = folder.filePath("windows");
-    }
+    AppContext ctx{store, clock, timeline, monitor, sound, messages, folder.path()};
+    ShellContext shell;
+    TarvoProgram program{ctx, shell, QIcon()};
     QStringList writtenKeys() const {
         QStringList keys;
         for (const auto& w : store.writes())
@@ -84,7 +84,7 @@ private slots:
 
         // Switched on: channels watched, schedule armed, stamps seeded, scheme loaded, icon added.
         QVERIFY(rig.monitor.isOn(0) && rig.monitor.isOn(1));
-        QVERIFY(rig.program.form().tMinutes().isEnabled() && rig.program.form().tSeconds().isEnabled());
+        QVERIFY(rig.program.engine().tMinutes().isEnabled() && rig.program.engine().tSeconds().isEnabled());
         QCOMPARE(rig.ctx.schedule.MinutesToMicropause, 7);
         QCOMPARE(rig.ctx.schedule.LastActivityTimes, (std::array<std::int32_t, 2>{5000, 5000}));
         QVERIFY(rig.tray.added() && !rig.program.form().isVisible());
@@ -125,10 +125,10 @@ private slots:
     void theEditorChoice() {
         {
             Rig rig; // the system's editor exists: it is used and the program folder's copy goes
-            touch(rig.ctx.windir + "/regedit");
+            touch(rig.shell.windir + "/regedit");
             touch(rig.folder.filePath("regedit"));
             rig.program.FirstTimeInitialise();
-            QVERIFY(rig.processes.commands().first().startsWith(rig.ctx.windir + "/regedit /s \""));
+            QVERIFY(rig.processes.commands().first().startsWith(rig.shell.windir + "/regedit /s \""));
             QVERIFY(!QFile::exists(rig.folder.filePath("regedit")));
         }
         {
@@ -152,10 +152,9 @@ private slots:
             QVERIFY(rig.instance.sent().empty() && rig.store.writes().empty());
         }
         for (const QString& line : {QString(), QStringLiteral("SHUTDOWN"), QStringLiteral("shut down")}) {
-            Rig rig;
+            Rig rig(line);
             rig.instance.setOtherInstanceRunning(true);
             rig.store.model().setValue("Options", "tray", "1234");
-            rig.ctx.commandLine = line;
             QVERIFY(!rig.program.Form_Load());
             const FakeSingleInstance::Sent expected{1234, line == QStringLiteral("SHUTDOWN") ? 99 : 0};
             QVERIFY(rig.instance.sent() == std::vector{expected});
@@ -163,8 +162,7 @@ private slots:
                     rig.processes.commands().isEmpty());
         }
         {
-            Rig rig; // "shutdown" with nothing running: ends at once, touching nothing
-            rig.ctx.commandLine = "Shutdown";
+            Rig rig("Shutdown"); // "shutdown" with nothing running: ends at once, touching nothing
             QVERIFY(!rig.program.Form_Load());
             QVERIFY(rig.store.writes().empty() && rig.processes.commands().isEmpty());
             QCOMPARE(rig.store.reads(), QStringList());

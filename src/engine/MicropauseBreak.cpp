@@ -1,14 +1,14 @@
-#include "micropause/MicropauseBreak.h"
+#include "engine/MicropauseBreak.h"
 
 #include "core/Checked.h"
 #include "core/Clock.h"
 #include "core/Timer.h"
 #include "core/VbConvert.h"
-#include "micropause/BreakView.h"
-#include "micropause/CProgressBar.h"
-#include "micropause/Scheduler.h"
-#include "micropause/SchedulerState.h"
-#include "micropause/Warnings.h"
+#include "engine/CountdownBar.h"
+#include "engine/MainView.h"
+#include "engine/Scheduler.h"
+#include "engine/SchedulerState.h"
+#include "engine/Warnings.h"
 #include "settings/SettingsRecord.h"
 
 namespace tarvo {
@@ -18,25 +18,23 @@ namespace {
 constexpr std::int32_t kStepsPerSecond = 10;
 } // namespace
 
-MicropauseBreak::MicropauseBreak(const SettingsRecord& settings, SchedulerState& state,
-                                 const Scheduler& scheduler, Timer& tSeconds, CProgressBar& bar,
-                                 Warnings& warnings, BreakView& view, const Clock& clock)
+MicropauseBreak::MicropauseBreak(const SettingsRecord& settings, SchedulerState& state, Timer& tSeconds,
+                                 Warnings& warnings, MainView& view, const Clock& clock)
     : settings_(settings)
     , state_(state)
-    , scheduler_(scheduler)
     , tSeconds_(tSeconds)
-    , bar_(bar)
     , warnings_(warnings)
     , view_(view)
     , clock_(clock) {}
 
 void MicropauseBreak::TarvoMicropause() {
+    CountdownBar& bar = view_.countdownBar();
     state_.MinutesToMicropause = state_.MicropauseReload;
     tSeconds_.setEnabled(false);
     // An InterruptFor of 0 asks the bar for a maximum of 0, which it refuses with its own error.
-    bar_.setMax(checked::mul(settings_.InterruptFor, kStepsPerSecond));
+    bar.setMax(checked::mul(settings_.InterruptFor, kStepsPerSecond));
     state_.InMicropause = true;
-    bar_.setValue(1);
+    bar.setValue(1);
     view_.prepareBreak(settings_.DisableEsc == 0);
     if (settings_.Audible)
         warnings_.AudibleWarning();
@@ -46,13 +44,14 @@ void MicropauseBreak::TarvoMicropause() {
 }
 
 void MicropauseBreak::breakTick() {
-    bar_.setValue(checked::add(bar_.Value(), std::int32_t{1}));
-    if (bar_.Value() < bar_.Max())
+    CountdownBar& bar = view_.countdownBar();
+    bar.setValue(checked::add(bar.Value(), std::int32_t{1}));
+    if (bar.Value() < bar.Max())
         return;
     tSeconds_.setEnabled(false);
     view_.dismissBreak();
     state_.InMicropause = false;
-    tSeconds_.setInterval(scheduler_.naturalPauseInterval());
+    tSeconds_.setInterval(Scheduler::naturalPauseInterval(settings_));
     tSeconds_.setEnabled(true);
     view_.showLastMicropause(QStringLiteral("Last tarvo micropause: ") + formatHhNn(clock_.localNow()));
     if (settings_.Audible)
@@ -62,7 +61,8 @@ void MicropauseBreak::breakTick() {
 void MicropauseBreak::cmdCancel_Click() {
     if (settings_.DisableEsc != 0)
         return;
-    bar_.setValue(checked::sub(bar_.Max(), std::int32_t{1}));
+    CountdownBar& bar = view_.countdownBar();
+    bar.setValue(checked::sub(bar.Max(), std::int32_t{1}));
 }
 
 } // namespace tarvo

@@ -1,23 +1,22 @@
 #pragma once
 
-#include "micropause/SchedulerState.h"
-
-#include <QString>
-
 #include <cstdint>
 
 namespace tarvo {
 
 class ActivityMonitor;
 class Clock;
-class SchedulerPort;
+class MainView;
+class MicropauseBreak;
 class Timer;
+class Warnings;
+struct SchedulerState;
 struct SettingsRecord;
 
-// Decides when a micropause and when an exercise break are due. It is driven by the main form's two
-// timers, tMinutes (once a minute) and tSeconds (the natural-pause check every InterruptFor seconds,
-// the break screen's 100 ms tick, or the exercise break's one-second tick), and re-arms them itself;
-// it owns no timer and needs no display. What happens when something is due goes through the port.
+// Decides when a micropause and when an exercise break are due. It is driven by the two timers,
+// tMinutes (once a minute) and tSeconds (the natural-pause check every InterruptFor seconds, the break
+// screen's 100 ms tick, or the exercise break's one-second tick), and re-arms them itself; it needs no
+// display.
 //
 // Each minute tick advances exactly one countdown: the exercise countdown while no exercise prompt is
 // up, the micropause countdown while it is. The two never move on the same tick.
@@ -27,7 +26,8 @@ struct SettingsRecord;
 class Scheduler {
 public:
     Scheduler(const SettingsRecord& settings, SchedulerState& state, const Clock& clock,
-              ActivityMonitor& monitor, Timer& tMinutes, Timer& tSeconds, SchedulerPort& port);
+              ActivityMonitor& monitor, Timer& tMinutes, Timer& tSeconds, MicropauseBreak& micropause,
+              Warnings& warnings, MainView& view);
     Scheduler(const Scheduler&) = delete;
     Scheduler& operator=(const Scheduler&) = delete;
 
@@ -46,9 +46,8 @@ public:
     // and the minutes to the next exercise prompt are lowered to the new interval, never raised.
     void ApplyOptions();
 
-    // The tSeconds interval between breaks: InterruptFor seconds, in milliseconds. The break screen
-    // re-arms tSeconds with it when a micropause ends.
-    int naturalPauseInterval() const;
+    // The tSeconds interval between breaks: InterruptFor seconds, in milliseconds.
+    static int naturalPauseInterval(const SettingsRecord& settings);
 
 private:
     void checkNaturalPause();
@@ -60,7 +59,9 @@ private:
     ActivityMonitor& monitor_;
     Timer& tMinutes_;
     Timer& tSeconds_;
-    SchedulerPort& port_;
+    MicropauseBreak& micropause_;
+    Warnings& warnings_;
+    MainView& view_;
 };
 
 } // namespace tarvo

@@ -1,10 +1,13 @@
-#include "micropause/Scheduler.h"
+#include "engine/Scheduler.h"
 
 #include "core/ActivityMonitor.h"
 #include "core/Checked.h"
 #include "core/Clock.h"
 #include "core/Timer.h"
-#include "micropause/SchedulerPort.h"
+#include "engine/MainView.h"
+#include "engine/MicropauseBreak.h"
+#include "engine/SchedulerState.h"
+#include "engine/Warnings.h"
 #include "settings/SettingsRecord.h"
 
 namespace tarvo {
@@ -18,17 +21,20 @@ constexpr std::int32_t kMinMinutesAfterApply = 2;
 } // namespace
 
 Scheduler::Scheduler(const SettingsRecord& settings, SchedulerState& state, const Clock& clock,
-                     ActivityMonitor& monitor, Timer& tMinutes, Timer& tSeconds, SchedulerPort& port)
+                     ActivityMonitor& monitor, Timer& tMinutes, Timer& tSeconds, MicropauseBreak& micropause,
+                     Warnings& warnings, MainView& view)
     : settings_(settings)
     , state_(state)
     , clock_(clock)
     , monitor_(monitor)
     , tMinutes_(tMinutes)
     , tSeconds_(tSeconds)
-    , port_(port) {}
+    , micropause_(micropause)
+    , warnings_(warnings)
+    , view_(view) {}
 
-int Scheduler::naturalPauseInterval() const {
-    return checked::mul(settings_.InterruptFor, std::int32_t{1000});
+int Scheduler::naturalPauseInterval(const SettingsRecord& settings) {
+    return checked::mul(settings.InterruptFor, std::int32_t{1000});
 }
 
 void Scheduler::SetTimers() {
@@ -44,7 +50,7 @@ void Scheduler::SetTimers() {
     state_.MinutesToExercise = settings_.EveryM;
     showMinutesToExercise();
 
-    tSeconds_.setInterval(naturalPauseInterval());
+    tSeconds_.setInterval(naturalPauseInterval(settings_));
     tSeconds_.setEnabled(true);
 }
 
@@ -52,9 +58,9 @@ void Scheduler::tMinutes_Timer() {
     if (state_.ExercisePromptPending) {
         state_.MinutesToMicropause = checked::sub(state_.MinutesToMicropause, std::int32_t{1});
         if (state_.MinutesToMicropause == 1 && settings_.AudiblePre)
-            port_.AudibleWarningPre();
+            warnings_.AudibleWarningPre();
         else if (state_.MinutesToMicropause < 1)
-            port_.TarvoMicropause();
+            micropause_.TarvoMicropause();
         return;
     }
 
@@ -65,16 +71,15 @@ void Scheduler::tMinutes_Timer() {
     if (state_.MinutesToExercise != 0)
         return;
     if (settings_.AudibleX)
-        port_.AudibleWarningX();
+        warnings_.AudibleWarningX();
     state_.ExercisePromptPending = true;
-    port_.showExercisePrompt();
 }
 
 void Scheduler::tSeconds_Timer() {
     if (state_.InExerciseBreak)
-        port_.exerciseTick();
-    else if (state_.InMicropause)
-        port_.breakTick();
+        return; // the exercise break's own second, which its sequencer will count
+    if (state_.InMicropause)
+        micropause_.breakTick();
     else
         checkNaturalPause();
 }
@@ -97,14 +102,14 @@ void Scheduler::checkNaturalPause() {
     // No input for a whole check interval, which is one micropause length: the user has taken a
     // micropause of their own. The text is kept up to date whether or not it resets the countdown;
     // with IntelliReset a long absence holds the countdown at its full value.
-    port_.showVoluntaryStatus(QStringLiteral("Last natural micropause: ") + formatHhNn(clock_.localNow()));
+    view_.showVoluntaryStatus(QStringLiteral("Last natural micropause: ") + formatHhNn(clock_.localNow()));
     if (settings_.IntelliReset)
         state_.MinutesToMicropause = state_.MicropauseReload;
 }
 
 void Scheduler::ApplyOptions() {
     tSeconds_.setEnabled(false);
-    tSeconds_.setInterval(naturalPauseInterval());
+    tSeconds_.setInterval(naturalPauseInterval(settings_));
     tSeconds_.setEnabled(true);
 
     const std::int32_t change = checked::sub(settings_.InterruptEvery, state_.MicropauseReload);
@@ -120,7 +125,7 @@ void Scheduler::ApplyOptions() {
 void Scheduler::showMinutesToExercise() {
     // The number shown is one less than the counter: the minute that is running is not counted.
     const std::int32_t shown = checked::sub(state_.MinutesToExercise, std::int32_t{1});
-    port_.showExerciseStatus(QStringLiteral("Next Exercise Break: %1 minutes").arg(shown));
+    view_.showExerciseStatus(QStringLiteral("Next Exercise Break: %1 minutes").arg(shown));
 }
 
 } // namespace tarvo

@@ -2,10 +2,8 @@
 
 namespace tarvo {
 
-class BreakView;
 class Clock;
-class CProgressBar;
-class Scheduler;
+class MainView;
 class Timer;
 class Warnings;
 struct SchedulerState;
@@ -17,9 +15,8 @@ struct SettingsRecord;
 // on the tick that fills it.
 class MicropauseBreak {
 public:
-    MicropauseBreak(const SettingsRecord& settings, SchedulerState& state, const Scheduler& scheduler,
-                    Timer& tSeconds, CProgressBar& bar, Warnings& warnings, BreakView& view,
-                    const Clock& clock);
+    MicropauseBreak(const SettingsRecord& settings, SchedulerState& state, Timer& tSeconds,
+                    Warnings& warnings, MainView& view, const Clock& clock);
     MicropauseBreak(const MicropauseBreak&) = delete;
     MicropauseBreak& operator=(const MicropauseBreak&) = delete;
 
@@ -35,11 +32,9 @@ public:
 private:
     const SettingsRecord& settings_;
     SchedulerState& state_;
-    const Scheduler& scheduler_;
     Timer& tSeconds_;
-    CProgressBar& bar_;
     Warnings& warnings_;
-    BreakView& view_;
+    MainView& view_;
     const Clock& clock_;
 };
 

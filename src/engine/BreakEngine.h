@@ -1,0 +1,40 @@
+#pragma once
+
+#include "engine/MicropauseBreak.h"
+#include "engine/Scheduler.h"
+
+#include <memory>
+
+namespace tarvo {
+
+class MainView;
+class Timer;
+class Warnings;
+struct AppContext;
+
+// The display-free break engine: the two timers that drive everything (tMinutes once a minute;
+// tSeconds for the natural-pause check, the micropause's 100 ms steps and the exercise break's seconds),
+// the scheduler they drive and the breaks it hands over to. It talks to the screens through MainView
+// and to the speakers through Warnings; the forms forward their events to its parts.
+//
+// The timers stay off until start-up calls SetTimers.
+class BreakEngine {
+public:
+    BreakEngine(AppContext& context, MainView& view, Warnings& warnings);
+    ~BreakEngine();
+    BreakEngine(const BreakEngine&) = delete;
+    BreakEngine& operator=(const BreakEngine&) = delete;
+
+    Scheduler& scheduler() { return scheduler_; }
+    MicropauseBreak& micropause() { return micropause_; }
+    Timer& tMinutes() { return *tMinutes_; }
+    Timer& tSeconds() { return *tSeconds_; }
+
+private:
+    std::unique_ptr<Timer> tMinutes_;
+    std::unique_ptr<Timer> tSeconds_;
+    MicropauseBreak micropause_;
+    Scheduler scheduler_;
+};
+
+} // namespace tarvo
