@@ -8,12 +8,16 @@ QString standardErrorDescription(std::int32_t number) {
         return QStringLiteral("Invalid procedure call or argument");
     case vberr::Overflow:
         return QStringLiteral("Overflow");
+    case vberr::OutOfMemory:
+        return QStringLiteral("Out of memory");
     case vberr::SubscriptOutOfRange:
         return QStringLiteral("Subscript out of range");
     case vberr::DivisionByZero:
         return QStringLiteral("Division by zero");
     case vberr::TypeMismatch:
         return QStringLiteral("Type mismatch");
+    case vberr::InternalError:
+        return QStringLiteral("Internal error");
     default:
         return {};
     }

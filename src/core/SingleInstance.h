@@ -1,18 +1,29 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 
 namespace tarvo {
 
 // One running instance per user, and the way a second start talks to it.
 //
 // The running instance is identified by a handle that start-up stores under "tray" in "Options"; a
-// second start reads it back and sends a key code to that instance: 99 asks it to shut down, any other
-// code to pop up its tray menu. The send is synchronous: it returns only after the running instance
-// has handled the code (or at once, when nothing answers under that handle).
+// second start reads it back and sends a key code to that instance: kShutdownKey asks it to shut down,
+// any other code to pop up its tray menu. The send is synchronous: it returns only after the running
+// instance has handled the code (or at once, when nothing answers under that handle).
 class SingleInstance {
 public:
+    // The key code that asks the running instance to shut down.
+    static constexpr int kShutdownKey = 99;
+
+    // Where the key codes sent to this instance go.
+    class Listener {
+    public:
+        virtual void keyDown(int keyCode) = 0;
+
+    protected:
+        ~Listener() = default;
+    };
+
     virtual ~SingleInstance() = default;
 
     // Whether another instance of the program is running for this user. When none is, this instance
@@ -23,12 +34,12 @@ public:
     // This instance's handle, as start-up writes it to "tray" (never 0).
     virtual std::int32_t handle() const = 0;
 
-    // Starts answering key codes sent to this instance's handle. The callback runs on the
+    // Starts answering key codes sent to this instance's handle. The listener is called on the
     // user-interface thread; the sender is answered as soon as it returns. A popped-up tray menu is
     // modal, so a second start that popped it up ends once the user has closed it (or when the
-    // sender's own time limit runs out). The callback may call release(); it must not destroy this
+    // sender's own time limit runs out). The listener may call release(); it must not destroy this
     // object.
-    virtual void listen(std::function<void(int keyCode)> onKeyDown) = 0;
+    virtual void listen(Listener& listener) = 0;
 
     // Sends a key code to the instance with this handle and waits until it has been handled, or
     // until the instance ended while handling it (shut-down). Returns false when nothing listens

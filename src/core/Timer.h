@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 
 namespace tarvo {
@@ -13,29 +12,37 @@ namespace tarvo {
 // Ticks are delivered on the user-interface thread and never interrupt another handler.
 class Timer {
 public:
+    // Where a timer's ticks go; whoever creates the timer implements it.
+    class Listener {
+    public:
+        virtual void timerTick(Timer& timer) = 0;
+
+    protected:
+        ~Listener() = default;
+    };
+
+    explicit Timer(Listener& listener)
+        : listener_(listener) {}
     virtual ~Timer() = default;
+    Timer(const Timer&) = delete;
+    Timer& operator=(const Timer&) = delete;
 
     virtual void setInterval(int milliseconds) = 0;
     virtual int interval() const = 0;
     virtual void setEnabled(bool enabled) = 0;
     virtual bool isEnabled() const = 0;
 
-    void setHandler(std::function<void()> handler) { handler_ = std::move(handler); }
-
 protected:
-    void tick() {
-        if (handler_)
-            handler_();
-    }
+    void tick() { listener_.timerTick(*this); }
 
 private:
-    std::function<void()> handler_;
+    Listener& listener_;
 };
 
 class TimerFactory {
 public:
     virtual ~TimerFactory() = default;
-    virtual std::unique_ptr<Timer> createTimer() = 0;
+    virtual std::unique_ptr<Timer> createTimer(Timer::Listener& listener) = 0;
 };
 
 } // namespace tarvo

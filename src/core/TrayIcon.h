@@ -1,11 +1,9 @@
 #pragma once
 
-#include <QIcon>
 #include <QPoint>
 #include <QString>
 
-#include <functional>
-
+class QIcon;
 class QMenu;
 
 namespace tarvo {
@@ -25,12 +23,20 @@ public:
     static constexpr int kRightButtonUp = 0x205;
     static constexpr int kMiddleButtonUp = 0x208;
 
+    // Where the icon's mouse messages go. They arrive from the event loop, never from inside the icon's
+    // own event handling, and may arrive while a menu that popUp showed is still open.
+    class Listener {
+    public:
+        virtual void trayMessage(int message) = 0;
+
+    protected:
+        ~Listener() = default;
+    };
+
     virtual ~TrayIcon() = default;
 
-    // Adds the icon with its tool tip; `onMessage` receives the mouse messages. They arrive from the
-    // event loop, never from inside the icon's own event handling, and may arrive while a menu that
-    // popUp showed is still open.
-    virtual void add(const QIcon& icon, const QString& tip, std::function<void(int message)> onMessage) = 0;
+    // Adds the icon with its tool tip; the listener receives its mouse messages until it is removed.
+    virtual void add(const QIcon& icon, const QString& tip, Listener& listener) = 0;
     // Removes the icon (and the stand-in window).
     virtual void remove() = 0;
     // Pops the menu up at a screen position and returns when it has closed (or at once in tests).

@@ -6,15 +6,19 @@
 namespace tarvo {
 
 BreakEngine::BreakEngine(AppContext& ctx, MainView& view, Warnings& warnings)
-    : tMinutes_(ctx.timers.createTimer())
-    , tSeconds_(ctx.timers.createTimer())
+    : tMinutes_(ctx.timers.createTimer(*this))
+    , tSeconds_(ctx.timers.createTimer(*this))
     , micropause_(ctx.record, ctx.schedule, *tSeconds_, warnings, view, ctx.clock)
     , scheduler_(ctx.record, ctx.schedule, ctx.clock, ctx.monitor, *tMinutes_, *tSeconds_, micropause_,
-                 warnings, view) {
-    tMinutes_->setHandler([this] { scheduler_.tMinutes_Timer(); });
-    tSeconds_->setHandler([this] { scheduler_.tSeconds_Timer(); });
-}
+                 warnings, view) {}
 
 BreakEngine::~BreakEngine() = default;
+
+void BreakEngine::timerTick(Timer& timer) {
+    if (&timer == tMinutes_.get())
+        scheduler_.tMinutes_Timer();
+    else
+        scheduler_.tSeconds_Timer();
+}
 
 } // namespace tarvo

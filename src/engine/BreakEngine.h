@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Timer.h"
 #include "engine/MicropauseBreak.h"
 #include "engine/Scheduler.h"
 
@@ -8,7 +9,6 @@
 namespace tarvo {
 
 class MainView;
-class Timer;
 class Warnings;
 struct AppContext;
 
@@ -18,7 +18,7 @@ struct AppContext;
 // and to the speakers through Warnings; the forms forward their events to its parts.
 //
 // The timers stay off until start-up calls SetTimers.
-class BreakEngine {
+class BreakEngine : private Timer::Listener {
 public:
     BreakEngine(AppContext& context, MainView& view, Warnings& warnings);
     ~BreakEngine();
@@ -31,6 +31,8 @@ public:
     Timer& tSeconds() { return *tSeconds_; }
 
 private:
+    void timerTick(Timer& timer) override;
+
     std::unique_ptr<Timer> tMinutes_;
     std::unique_ptr<Timer> tSeconds_;
     MicropauseBreak micropause_;

@@ -21,7 +21,7 @@ void LoadScheme(SettingsStore& settings, ExerciseTable& table, const QString& na
         throw RuntimeError(vberr::SubscriptOutOfRange, {}, QStringLiteral("LoadScheme"),
                            QStringLiteral("Scheme \"%1\" claims %2 exercises.").arg(name).arg(stored));
     if (last >= kMaxTableSize)
-        throw RuntimeError(7, QStringLiteral("Out of memory"), QStringLiteral("LoadScheme"),
+        throw RuntimeError(vberr::OutOfMemory, {}, QStringLiteral("LoadScheme"),
                            QStringLiteral("Scheme \"%1\" claims %2 exercises.").arg(name).arg(stored));
     table.Exercises.assign(static_cast<size_t>(last) + 1, ExerciseRecord{});
 

@@ -5,10 +5,9 @@
 
 namespace tarvo {
 
-BlackCover::BlackCover(QScreen* screen, std::function<void()> onEscape)
+BlackCover::BlackCover(QScreen* screen)
     : QWidget(nullptr,
-              Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::BypassWindowManagerHint)
-    , onEscape_(std::move(onEscape)) {
+              Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::BypassWindowManagerHint) {
     setObjectName(QStringLiteral("BlackCover"));
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_DeleteOnClose);
@@ -22,8 +21,8 @@ BlackCover::BlackCover(QScreen* screen, std::function<void()> onEscape)
 }
 
 void BlackCover::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape && onEscape_)
-        onEscape_();
+    if (event->key() == Qt::Key_Escape)
+        emit escapePressed();
     else
         QWidget::keyPressEvent(event);
 }

@@ -2,8 +2,6 @@
 
 #include <QWidget>
 
-#include <functional>
-
 class QScreen;
 
 namespace tarvo {
@@ -15,13 +13,13 @@ class BlackCover : public QWidget {
     Q_OBJECT
 
 public:
-    BlackCover(QScreen* screen, std::function<void()> onEscape);
+    explicit BlackCover(QScreen* screen);
+
+signals:
+    void escapePressed();
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
-
-private:
-    std::function<void()> onEscape_;
 };
 
 } // namespace tarvo

@@ -131,7 +131,8 @@ void frmTarvo::presentBreak(bool blank) {
         for (QScreen* other : QGuiApplication::screens()) {
             if (other == screen)
                 continue;
-            auto* cover = new BlackCover(other, [this] { cmdCancel_Click(); });
+            auto* cover = new BlackCover(other);
+            connect(cover, &BlackCover::escapePressed, this, &frmTarvo::cmdCancel_Click);
             covers_.emplace_back(cover);
             cover->show();
             cover->raise();

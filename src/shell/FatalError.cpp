@@ -31,9 +31,8 @@ QString fatalErrorText(const std::exception& error) {
     if (const auto* e = dynamic_cast<const StoreError*>(&error))
         return e->message();
     if (dynamic_cast<const std::bad_alloc*>(&error))
-        return RuntimeError(7, QStringLiteral("Out of memory")).report();
-    return RuntimeError(51, QStringLiteral("Internal error"), {}, QString::fromLocal8Bit(error.what()))
-        .report();
+        return RuntimeError(vberr::OutOfMemory).report();
+    return RuntimeError(vberr::InternalError, {}, {}, QString::fromLocal8Bit(error.what())).report();
 }
 
 void endWithFatalError(const std::exception& error, MessageBox* box) {

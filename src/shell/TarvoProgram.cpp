@@ -1,12 +1,12 @@
 #include "shell/TarvoProgram.h"
 
+#include "about/frmAboutKelmar.h"
 #include "core/ActivityMonitor.h"
 #include "core/Clock.h"
 #include "core/MessageBox.h"
 #include "core/ProcessRunner.h"
 #include "core/ProgramInfo.h"
 #include "core/SingleInstance.h"
-#include "core/TrayIcon.h"
 #include "engine/AppContext.h"
 #include "engine/BreakEngine.h"
 #include "exercise/SchemeStore.h"
@@ -14,7 +14,10 @@
 #include "micropause/frmTarvo.h"
 #include "settings/LoadAndCommit.h"
 #include "settings/Options.h"
+#include "shell/TrayHook.h"
+#include "shell/TrayMenu.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -42,7 +45,7 @@ bool TarvoProgram::Form_Load() {
                                QStringLiteral("Tarvo"), MessageBox::Buttons::Ok);
             return false;
         }
-        shell_.instance.sendKeyDown(tray, shutdownRequested ? kShutdownKey : 0);
+        shell_.instance.sendKeyDown(tray, shutdownRequested ? SingleInstance::kShutdownKey : 0);
         return false;
     }
     if (shutdownRequested)
@@ -52,14 +55,16 @@ bool TarvoProgram::Form_Load() {
     form_ = std::make_unique<frmTarvo>();
     engine_ = std::make_unique<BreakEngine>(ctx_, *form_, *warnings_);
     form_->attach(*engine_);
+    // The options dialog and the exercise break bring their items with them.
+    TrayActions& actions = *this;
+    menu_ = std::make_unique<TrayMenu>(ctx_.settings, actions, TrayMenu::Offers{false, false});
+    hook_ = std::make_unique<TrayHook>(shell_.tray, *menu_, actions, TrayHook::screenTwipsPerPixelX());
+    running_ = true;
     if (auto* version = form_->findChild<QLabel*>(QStringLiteral("lblVersion")))
         version->setText(QLatin1String(kVersionText));
 
     ctx_.settings.writeNumber(option("tray"), shell_.instance.handle());
-    shell_.instance.listen([this](int keyCode) {
-        if (onKeyDown)
-            onKeyDown(keyCode);
-    });
+    shell_.instance.listen(*hook_);
 
     FirstTimeInitialise();
 
@@ -76,10 +81,7 @@ bool TarvoProgram::Form_Load() {
     const std::int32_t now = ctx_.clock.tickCount();
     ctx_.schedule.LastActivityTimes = {now, now};
 
-    shell_.tray.add(icon_, QLatin1String(kProgramTitle), [this](int message) {
-        if (onTrayMessage)
-            onTrayMessage(message);
-    });
+    hook_->addIcon(icon_, QLatin1String(kProgramTitle));
     form_->hide();
 
     ctx_.settings.write(option("AppPath"), ctx_.programFolder);
@@ -106,14 +108,19 @@ void TarvoProgram::FirstTimeInitialise() {
     ctx_.settings.write(option("Initialised"), QStringLiteral("1"));
 }
 
-void TarvoProgram::useScheme(const QString& name) {
-    ctx_.exercises.CurrentScheme = name;
-    LoadScheme(ctx_.settings, ctx_.exercises, name);
-}
-
 void TarvoProgram::commitOptions() {
     commitSettings(ctx_.settings, ctx_.record, this);
     engine_->scheduler().ApplyOptions();
+}
+
+void TarvoProgram::Form_Unload() {
+    if (!std::exchange(running_, false))
+        return;
+    ctx_.monitor.InstallFilter(0, false);
+    ctx_.monitor.InstallFilter(1, false);
+    hook_->removeIcon();
+    ctx_.settings.writeNumber(option("tray"), 0);
+    shell_.instance.release();
 }
 
 void TarvoProgram::schemeRead(const QString& scheme) {
@@ -134,14 +141,38 @@ void TarvoProgram::saveScheme() {
     SaveScheme(ctx_.settings, table.CurrentScheme, table.Exercises, table.ExerciseCount);
 }
 
-void TarvoProgram::Form_Unload() {
-    ctx_.monitor.InstallFilter(0, false);
-    ctx_.monitor.InstallFilter(1, false);
-    shell_.tray.remove();
-    ctx_.settings.writeNumber(option("tray"), 0);
-    if (closeVideo)
-        closeVideo();
-    shell_.instance.release();
+void TarvoProgram::LoadMeUp() {
+    // The options dialog is not there yet: its item is not in the menu, and a double click opens nothing.
+}
+
+void TarvoProgram::showStatus() {
+    form_->setWindowState(Qt::WindowNoState);
+    form_->show();
+}
+
+void TarvoProgram::showAbout() {
+    if (!about_)
+        about_ = std::make_unique<frmAboutKelmar>();
+    about_->show();
+    about_->raise();
+}
+
+void TarvoProgram::micropauseNow() {
+    engine_->micropause().TarvoMicropause();
+}
+
+void TarvoProgram::exerciseNow() {
+    // The exercise break is not there yet: its item is not in the menu.
+}
+
+void TarvoProgram::useScheme(const QString& name) {
+    ctx_.exercises.CurrentScheme = name;
+    LoadScheme(ctx_.settings, ctx_.exercises, name);
+}
+
+void TarvoProgram::shutdown() {
+    Form_Unload();
+    QCoreApplication::quit();
 }
 
 } // namespace tarvo

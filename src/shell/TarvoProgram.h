@@ -1,11 +1,11 @@
 #pragma once
 
 #include "settings/SettingsPort.h"
+#include "shell/TrayActions.h"
 
 #include <QIcon>
 #include <QString>
 
-#include <functional>
 #include <memory>
 
 namespace tarvo {
@@ -14,9 +14,12 @@ struct AppContext;
 class BreakEngine;
 class ProcessRunner;
 class SingleInstance;
+class TrayHook;
 class TrayIcon;
-class frmTarvo;
+class TrayMenu;
 class WarningSounds;
+class frmAboutKelmar;
+class frmTarvo;
 
 // The seams that only start-up, shut-down and the tray use, and what the program was started with.
 struct ShellContext {
@@ -27,26 +30,24 @@ struct ShellContext {
     QString windir;      // the "windir" environment variable (normally unset here)
 };
 
-// The program's life: start-up (Form_Load), first-run initialisation and shut-down (Form_Unload).
-class TarvoProgram : private SettingsPort {
+// The program's life: start-up (Form_Load), first-run initialisation and shut-down (Form_Unload), and
+// the one place where the subsystems are put together: the engine with its main form, the tray icon
+// with its menu, and what the menu's items do.
+class TarvoProgram : private SettingsPort, private TrayActions {
 public:
-    // The key code a second start sends to ask the running instance to shut down.
-    static constexpr int kShutdownKey = 99;
-
     TarvoProgram(AppContext& context, ShellContext shell, QIcon icon);
-    ~TarvoProgram();
+    ~TarvoProgram() override;
     TarvoProgram(const TarvoProgram&) = delete;
     TarvoProgram& operator=(const TarvoProgram&) = delete;
 
     // Start-up. Returns true when this is now the running instance, false when the process should end
     // at once (another instance runs and was signalled or reported, or "shutdown" with none running).
     bool Form_Load();
-    // Shut-down: input watching off, icon gone, "tray" back to "0", the exercise video closed.
+    // Shut-down, once however often it is asked for: input watching off, icon gone, "tray" back to "0",
+    // the instance lock given up.
     void Form_Unload();
     // Imports the shipped defaults and renders the built-in media, once per user.
     void FirstTimeInitialise();
-    // Makes the named scheme the current one and loads its exercises (start-up, the tray's scheme list).
-    void useScheme(const QString& name);
     // Apply in the options dialog: every option of the record written in order, the exercise table
     // saved under the current scheme's name on the way, then the running countdowns moved to the new
     // intervals.
@@ -54,13 +55,7 @@ public:
 
     frmTarvo& form() { return *form_; }
     BreakEngine& engine() { return *engine_; }
-
-    // Where the tray icon's mouse messages and the key codes of later starts go (the tray menu's
-    // decoder); set before Form_Load.
-    std::function<void(int message)> onTrayMessage;
-    std::function<void(int keyCode)> onKeyDown;
-    // Closing the exercise video ("close tarvox"), once the exercise player exists.
-    std::function<void()> closeVideo;
+    TrayMenu& menu() { return *menu_; }
 
 private:
     // Start-up's steps among the reads of the options, and Apply's scheme save.
@@ -69,12 +64,25 @@ private:
     void monitorRead(int channel, std::int32_t on) override;
     void saveScheme() override;
 
+    // The tray menu's items.
+    void LoadMeUp() override;
+    void showStatus() override;
+    void showAbout() override;
+    void micropauseNow() override;
+    void exerciseNow() override;
+    void useScheme(const QString& name) override;
+    void shutdown() override;
+
     AppContext& ctx_;
     ShellContext shell_;
     QIcon icon_;
     std::unique_ptr<WarningSounds> warnings_;
     std::unique_ptr<frmTarvo> form_;
     std::unique_ptr<BreakEngine> engine_;
+    std::unique_ptr<TrayMenu> menu_;
+    std::unique_ptr<TrayHook> hook_;
+    std::unique_ptr<frmAboutKelmar> about_;
+    bool running_ = false;
 };
 
 } // namespace tarvo

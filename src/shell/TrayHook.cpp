@@ -1,6 +1,7 @@
 #include "shell/TrayHook.h"
 
 #include "core/TrayIcon.h"
+#include "shell/TrayActions.h"
 #include "shell/TrayMenu.h"
 
 #include <QCursor>
@@ -13,7 +14,6 @@ namespace tarvo {
 
 namespace {
 
-constexpr int kShutdownKey = 99;
 // The tray record's tip field: 64 characters with the terminating zero.
 constexpr qsizetype kTipLength = 63;
 
@@ -34,14 +34,11 @@ private:
 
 } // namespace
 
-TrayHook::TrayHook(TrayIcon& icon, TrayMenu& menu, double twipsPerPixelX, TrayHookActions actions)
+TrayHook::TrayHook(TrayIcon& icon, TrayMenu& menu, TrayActions& actions, double twipsPerPixelX)
     : icon_(icon)
     , menu_(menu)
-    , twipsPerPixelX_(twipsPerPixelX)
-    , actions_(std::move(actions)) {
-    if (!actions_.mousePosition)
-        actions_.mousePosition = [] { return QCursor::pos(); };
-}
+    , actions_(actions)
+    , twipsPerPixelX_(twipsPerPixelX) {}
 
 double TrayHook::screenTwipsPerPixelX() {
     const QScreen* screen = QGuiApplication::primaryScreen();
@@ -49,8 +46,7 @@ double TrayHook::screenTwipsPerPixelX() {
 }
 
 void TrayHook::addIcon(const QIcon& icon, const QString& tip) {
-    icon_.add(icon, tip.left(kTipLength),
-              [this](int message) { pichook_MouseMove(0, 0, message * twipsPerPixelX_, 0); });
+    icon_.add(icon, tip.left(kTipLength), *this);
 }
 
 void TrayHook::removeIcon() {
@@ -65,22 +61,26 @@ void TrayHook::pichook_MouseMove(int button, int shift, double x, double y) {
         return;
     const FlagScope busy(busy_);
     const long message = std::lround(x / twipsPerPixelX_);
-    if (message == TrayIcon::kLeftDoubleClick) {
-        if (actions_.LoadMeUp)
-            actions_.LoadMeUp();
-    } else if (message == TrayIcon::kRightButtonUp) {
+    if (message == TrayIcon::kLeftDoubleClick)
+        actions_.LoadMeUp();
+    else if (message == TrayIcon::kRightButtonUp)
         popUpMenu();
-    }
 }
 
 void TrayHook::pichook_KeyDown(int keyCode, int shift) {
     Q_UNUSED(shift);
-    if (keyCode == kShutdownKey) {
-        if (actions_.shutdown)
-            actions_.shutdown();
-    } else {
+    if (keyCode == SingleInstance::kShutdownKey)
+        actions_.shutdown();
+    else
         popUpMenu();
-    }
+}
+
+void TrayHook::trayMessage(int message) {
+    pichook_MouseMove(0, 0, message * twipsPerPixelX_, 0);
+}
+
+void TrayHook::keyDown(int keyCode) {
+    pichook_KeyDown(keyCode, 0);
 }
 
 void TrayHook::popUpMenu() {
@@ -89,7 +89,7 @@ void TrayHook::popUpMenu() {
         return;
     const FlagScope up(menuUp_);
     menu_.LoadMnuX();
-    icon_.popUp(menu_.mnuPopup(), actions_.mousePosition());
+    icon_.popUp(menu_.mnuPopup(), QCursor::pos());
 }
 
 } // namespace tarvo

@@ -1,23 +1,15 @@
 #pragma once
 
-#include <QIcon>
-#include <QPoint>
-#include <QString>
+#include "core/SingleInstance.h"
+#include "core/TrayIcon.h"
 
-#include <functional>
+class QIcon;
+class QString;
 
 namespace tarvo {
 
-class TrayIcon;
+class TrayActions;
 class TrayMenu;
-
-// What the tray's mouse messages and the other instance's key codes start; start-up fills these in.
-struct TrayHookActions {
-    std::function<void()> LoadMeUp; // opens the options dialog; not given until that dialog exists
-    std::function<void()> shutdown; // ends the program at once (key code 99)
-    // Where the menu goes up: the mouse position, unless a test says otherwise.
-    std::function<QPoint()> mousePosition;
-};
 
 // pichook, the main form's receiver of the tray icon's mouse messages and of the key codes another
 // start of the program sends. The icon's messages arrive the way a mouse move over pichook reports
@@ -28,11 +20,11 @@ struct TrayHookActions {
 // Opening the menu or the dialog runs an event loop, so another message can arrive while the first is
 // being handled; a busy flag drops it. The menu going up a second time, from inside the first, would
 // only confuse the user.
-class TrayHook {
+class TrayHook : public TrayIcon::Listener, public SingleInstance::Listener {
 public:
     // `twipsPerPixelX`: twips per pixel across the screen, 1440 / its logical dots per inch
     // (twipsPerPixelX() below).
-    TrayHook(TrayIcon& icon, TrayMenu& menu, double twipsPerPixelX, TrayHookActions actions);
+    TrayHook(TrayIcon& icon, TrayMenu& menu, TrayActions& actions, double twipsPerPixelX);
 
     // 1440 twips make an inch: 15 per pixel at 96 dots per inch.
     static double twipsPerPixelX(double logicalDotsPerInchX) { return 1440.0 / logicalDotsPerInchX; }
@@ -45,17 +37,21 @@ public:
     void removeIcon();
 
     void pichook_MouseMove(int button, int shift, double x, double y);
-    // 99 ends the program; any other code pops the menu up as a right click on the icon does. Neither
-    // path pops a second menu up while one is up.
+    // kShutdownKey ends the program; any other code pops the menu up as a right click on the icon
+    // does. Neither path pops a second menu up while one is up.
     void pichook_KeyDown(int keyCode, int shift);
+
+    // The icon's messages, in twips as a mouse move reports them, and the key codes of later starts.
+    void trayMessage(int message) override;
+    void keyDown(int keyCode) override;
 
 private:
     void popUpMenu();
 
     TrayIcon& icon_;
     TrayMenu& menu_;
+    TrayActions& actions_;
     double twipsPerPixelX_;
-    TrayHookActions actions_;
     bool busy_ = false;
     bool menuUp_ = false;
 };

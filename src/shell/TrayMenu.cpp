@@ -1,21 +1,23 @@
 #include "shell/TrayMenu.h"
 
 #include "core/RuntimeError.h"
+#include "exercise/SchemeStore.h"
+#include "shell/TrayActions.h"
 
 #include <QAction>
 #include <QMenu>
 
 namespace tarvo {
 
-TrayMenu::TrayMenu(std::function<QStringList()> schemeNames, TrayMenuActions actions, QObject* parent)
+TrayMenu::TrayMenu(SettingsStore& settings, TrayActions& actions, Offers offers, QObject* parent)
     : QObject(parent)
-    , schemeNames_(std::move(schemeNames))
-    , actions_(std::move(actions))
+    , settings_(settings)
+    , actions_(actions)
     , mnuPopup_(std::make_unique<QMenu>()) {
     mnuPopup_->setObjectName(QStringLiteral("mnuPopup"));
     mnuPopup_->setTitle(QStringLiteral("Popup"));
 
-    if (actions_.options) {
+    if (offers.options) {
         QAction* options =
             addItem(QStringLiteral("mnuPopupOptions"), tr("&Options..."), &TrayMenu::mnuPopupOptions_Click);
         QFont bold = options->font();
@@ -27,7 +29,7 @@ TrayMenu::TrayMenu(std::function<QStringList()> schemeNames, TrayMenuActions act
     addItem(QStringLiteral("mnuPopupAbout"), tr("&About..."), &TrayMenu::mnuPopupAbout_Click);
     addSeparator(QStringLiteral("mnuPopupDash1"));
     addItem(QStringLiteral("mnuDemoMicropause"), tr("&Micropause Now!"), &TrayMenu::mnuDemoMicropause_Click);
-    if (actions_.exerciseNow)
+    if (offers.exerciseNow)
         addItem(QStringLiteral("mnuExercise"), tr("&Exercise Now!"), &TrayMenu::mnuExercise_Click);
     addSeparator(QStringLiteral("mnuPopupDash3"));
     mnuPopupDash2_ = addSeparator(QStringLiteral("mnuPopupDash2"));
@@ -66,7 +68,7 @@ void TrayMenu::LoadMnuX() {
     }
     QStringList names;
     try {
-        names = schemeNames_();
+        names = readSchemeList(settings_);
     } catch (const RuntimeError&) {
         return;
     }
@@ -81,22 +83,19 @@ void TrayMenu::LoadMnuX() {
 }
 
 void TrayMenu::mnuPopupOptions_Click() {
-    actions_.options();
+    actions_.LoadMeUp();
 }
 
 void TrayMenu::mnuPopupStatus_Click() {
-    if (actions_.status)
-        actions_.status();
+    actions_.showStatus();
 }
 
 void TrayMenu::mnuPopupAbout_Click() {
-    if (actions_.about)
-        actions_.about();
+    actions_.showAbout();
 }
 
 void TrayMenu::mnuDemoMicropause_Click() {
-    if (actions_.micropauseNow)
-        actions_.micropauseNow();
+    actions_.micropauseNow();
 }
 
 void TrayMenu::mnuExercise_Click() {
@@ -104,13 +103,11 @@ void TrayMenu::mnuExercise_Click() {
 }
 
 void TrayMenu::mnuX_Click(int index) {
-    if (actions_.scheme)
-        actions_.scheme(index, mnuX_[static_cast<std::size_t>(index - 1)]->text());
+    actions_.useScheme(mnuX_[static_cast<std::size_t>(index - 1)]->text());
 }
 
 void TrayMenu::mnuShutdownTarvo_Click() {
-    if (actions_.shutdown)
-        actions_.shutdown();
+    actions_.shutdown();
 }
 
 } // namespace tarvo

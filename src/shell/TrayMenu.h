@@ -1,9 +1,7 @@
 #pragma once
 
 #include <QObject>
-#include <QStringList>
 
-#include <functional>
 #include <memory>
 #include <vector>
 
@@ -12,29 +10,25 @@ class QMenu;
 
 namespace tarvo {
 
-// What the items of the tray menu do; start-up fills these in. An item whose action is not given is
-// not in the menu at all, which is how Options and Exercise Now! wait for the options dialog and the
-// exercise break: once their action is wired, the item takes its place in the menu.
-struct TrayMenuActions {
-    std::function<void()> options;                              // "&Options...", the default item
-    std::function<void()> status;                               // "&Status..."
-    std::function<void()> about;                                // "&About..."
-    std::function<void()> micropauseNow;                        // "&Micropause Now!"
-    std::function<void()> exerciseNow;                          // "&Exercise Now!"
-    std::function<void(int index, const QString& name)> scheme; // an item of the scheme list
-    std::function<void()> shutdown;                             // "Sh&utdown Tarvo"
-};
+class SettingsStore;
+class TrayActions;
 
 // The tray's popup menu mnuPopup, never shown in a menu bar: Options (default, bold), Status, About,
 // a separator, Micropause Now!, Exercise Now!, a separator, one item per exercise scheme (mnuX_1,
-// mnuX_2, ...), a separator and Shutdown Tarvo. The QActions carry the item names as object names.
+// mnuX_2, ...), a separator and Shutdown Tarvo. The QActions carry the item names as object names;
+// each item's handler hands over to the program's TrayActions.
 class TrayMenu : public QObject {
     Q_OBJECT
 
 public:
-    // `schemeNames` reads the scheme list from the store, in stored order; it may throw a run-time
-    // error for an unreadable list.
-    TrayMenu(std::function<QStringList()> schemeNames, TrayMenuActions actions, QObject* parent = nullptr);
+    // The items that wait for their part of the program: until the options dialog and the exercise
+    // break are there, "&Options..." and "&Exercise Now!" are not in the menu at all.
+    struct Offers {
+        bool options = true;
+        bool exerciseNow = true;
+    };
+
+    TrayMenu(SettingsStore& settings, TrayActions& actions, Offers offers, QObject* parent = nullptr);
     ~TrayMenu() override;
 
     QMenu& mnuPopup() { return *mnuPopup_; }
@@ -60,8 +54,8 @@ private:
     QAction* addSeparator(const QString& name);
     QAction* makeSchemeItem(int index);
 
-    std::function<QStringList()> schemeNames_;
-    TrayMenuActions actions_;
+    SettingsStore& settings_;
+    TrayActions& actions_;
     std::unique_ptr<QMenu> mnuPopup_;
     // mnuX_1, mnuX_2, ...: element k at index k - 1.
     std::vector<QAction*> mnuX_;

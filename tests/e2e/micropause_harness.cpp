@@ -8,11 +8,7 @@
 #include "micropause/frmTarvo.h"
 #include "platform/fake/FakeActivityMonitor.h"
 #include "platform/fake/MemoryRegistryStore.h"
-#include "platform/fake/ScriptedMessageBox.h"
-#include "platform/linux/CanberraSoundPlayer.h"
-#include "platform/linux/ProgramFolder.h"
-#include "platform/linux/QtTimer.h"
-#include "platform/linux/SystemClock.h"
+#include "platform/linux/LinuxPlatform.h"
 #include "settings/SettingsRecord.h"
 
 #include <QApplication>
@@ -70,19 +66,18 @@ int main(int argc, char** argv) {
         return app.exec();
     }
 
+    // The real platform, but for the settings, which stay in memory, and the activity, which never
+    // comes: the break under test is started by hand.
+    LinuxPlatform platform;
     MemoryRegistryStore store;
-    SystemClock clock;
-    QtTimerFactory timers;
     FakeActivityMonitor monitor;
-    const QString folder = programFolder();
-    CanberraSoundPlayer player(folder + QStringLiteral("/beep.wav"));
-    ScriptedMessageBox messages;
-    AppContext ctx(store, clock, timers, monitor, player, messages, folder);
+    AppContext ctx(store, platform.clock(), platform.timers(), monitor, platform.sound(), platform.messages(),
+                   platform.programFolder());
     SettingsRecord& settings = ctx.record;
     settings.InterruptFor = args.value(QStringLiteral("seconds")).toInt();
     settings.Blank = args.value(QStringLiteral("blank")).toInt();
     const SchedulerState& state = ctx.schedule;
-    WarningSounds sounds(settings, player, folder);
+    WarningSounds sounds(settings, platform.sound(), platform.programFolder());
     AnnouncedWarnings warnings(sounds);
     frmTarvo form;
     BreakEngine engine(ctx, form, warnings);

@@ -18,6 +18,8 @@
 #include "shell/ProgramIcon.h"
 #include "shell/TarvoProgram.h"
 
+#include <QAction>
+#include <QMenu>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -90,15 +92,27 @@ private slots:
         QVERIFY(rig.tray.added() && !rig.program.form().isVisible());
         QCOMPARE(rig.ctx.exercises.CurrentScheme, "*Medium break");
 
-        // Shut-down undoes it, whatever the "Monitor" options said.
+        QCOMPARE(rig.tray.tip(), "Tarvo Micropause");
+
+        // The icon's right click and another start's key code pop the menu up; the menu's items act.
+        rig.tray.onPopUp = [&](QMenu& menu) {
+            menu.findChild<QAction*>("mnuPopupStatus")->trigger();
+            menu.findChild<QAction*>("mnuDemoMicropause")->trigger();
+        };
+        rig.tray.deliver(0x205);
+        QVERIFY(rig.program.form().isVisible() && rig.ctx.schedule.InMicropause);
+        QVERIFY(rig.instance.deliverKeyDown(0));
+        QCOMPARE(rig.tray.popUps().size(), size_t(2));
+
+        // Shut-down (key code 99 from another start) undoes it, whatever the "Monitor" options said, and
+        // only once.
         rig.store.clearWrites();
-        bool videoClosed = false;
-        rig.program.closeVideo = [&] { videoClosed = true; };
+        QVERIFY(rig.instance.deliverKeyDown(99));
         rig.program.Form_Unload();
         QVERIFY(!rig.monitor.isOn(0) && !rig.monitor.isOn(1));
         QVERIFY(!rig.tray.added());
         QCOMPARE(rig.writtenKeys(), QStringList{"Options/tray=0"});
-        QVERIFY(videoClosed && !rig.instance.holdsLock() && !rig.instance.isListening());
+        QVERIFY(!rig.instance.holdsLock() && !rig.instance.isListening());
     }
 
     // Apply saves the edited scheme between "ViewAm" and "Scheme" and moves the running countdowns.

@@ -6,10 +6,12 @@
 #include "platform/fake/FakeTrayIcon.h"
 #include "platform/fake/MemoryRegistryStore.h"
 #include "settings/SettingsStore.h"
+#include "shell/TrayActions.h"
 #include "shell/TrayHook.h"
 #include "shell/TrayMenu.h"
 
 #include <QAction>
+#include <QCursor>
 #include <QMenu>
 #include <QtTest>
 
@@ -18,38 +20,74 @@ using namespace tarvo;
 namespace {
 
 constexpr double kTwips = 15.0; // 96 dots per inch
-const QPoint kMouse(613, 407);
+
+// The program's side: each action noted in one log; the options dialog may run something while it is up.
+struct Actions : TrayActions {
+    QStringList log;
+    std::function<void()> whileOptionsUp;
+    void LoadMeUp() override {
+        log << "LoadMeUp";
+        if (whileOptionsUp)
+            whileOptionsUp();
+    }
+    void showStatus() override { log << "status"; }
+    void showAbout() override { log << "about"; }
+    void micropauseNow() override { log << "micropause"; }
+    void exerciseNow() override { log << "exercise"; }
+    void useScheme(const QString& name) override { log << "scheme " + name; }
+    void shutdown() override { log << "shutdown"; }
+};
+
+// "objectName caption" per item in menu order, "-" for a separator.
+QStringList items(TrayMenu& menu) {
+    QStringList out;
+    for (const QAction* action : menu.mnuPopup().actions())
+        out << action->objectName() + ' ' + (action->isSeparator() ? QStringLiteral("-") : action->text());
+    return out;
+}
+
+QStringList schemesShown(const FakeTrayIcon::PopUp& popUp) {
+    QStringList names;
+    for (qsizetype i = 0; i < popUp.itemNames.size(); ++i)
+        if (popUp.itemNames[i].startsWith("mnuX_"))
+            names << popUp.captions[i];
+    return names;
+}
 
 } // namespace
 
 class TestTrayMenu : public QObject {
     Q_OBJECT
 
+private:
+    MemoryRegistryStore store_;
+    SettingsStore settings_{store_};
+    Actions actions_;
+    FakeTrayIcon icon_;
+    std::unique_ptr<TrayMenu> menu_;
+    std::unique_ptr<TrayHook> hook_;
+
 private slots:
     void init() {
-        log_.clear();
-        loadMeUp_ = nullptr;
-        icon_ = std::make_unique<FakeTrayIcon>();
-        icon_->onPopUp = [this](QMenu&) { log_ << "popup"; };
+        actions_ = Actions();
+        icon_.onPopUp = [this](QMenu&) { actions_.log << "popup"; };
         writeSchemeList(settings_, {"*Medium break", "Mine"});
-        hook_ = makeHook(kTwips);
+        menu_ = std::make_unique<TrayMenu>(settings_, actions_, TrayMenu::Offers{});
+        hook_ = std::make_unique<TrayHook>(icon_, *menu_, actions_, kTwips);
     }
 
     void itemsInOrderWithTheirCaptions() {
-        TrayMenu menu(schemeList(), wiredActions());
-        QCOMPARE(menu.mnuPopup().objectName(), "mnuPopup");
-        QCOMPARE(items(menu), QStringList({"mnuPopupOptions &Options...", "mnuPopupStatus &Status...",
-                                           "mnuPopupAbout &About...", "mnuPopupDash1 -",
-                                           "mnuDemoMicropause &Micropause Now!", "mnuExercise &Exercise Now!",
-                                           "mnuPopupDash3 -", "mnuX_1 Scheme", "mnuPopupDash2 -",
-                                           "mnuShutdownTarvo Sh&utdown Tarvo"}));
-        QCOMPARE(menu.mnuPopup().defaultAction(), menu.mnuPopup().actions().first()); // Options
+        QCOMPARE(menu_->mnuPopup().objectName(), "mnuPopup");
+        QCOMPARE(items(*menu_), QStringList({"mnuPopupOptions &Options...", "mnuPopupStatus &Status...",
+                                             "mnuPopupAbout &About...", "mnuPopupDash1 -",
+                                             "mnuDemoMicropause &Micropause Now!",
+                                             "mnuExercise &Exercise Now!", "mnuPopupDash3 -", "mnuX_1 Scheme",
+                                             "mnuPopupDash2 -", "mnuShutdownTarvo Sh&utdown Tarvo"}));
+        QCOMPARE(menu_->mnuPopup().defaultAction(), menu_->mnuPopup().actions().first()); // Options
+        QVERIFY(menu_->mnuPopup().defaultAction()->font().bold());
 
         // Until the options dialog and the exercise break exist, their items stay out.
-        TrayMenuActions partial = wiredActions();
-        partial.options = nullptr;
-        partial.exerciseNow = nullptr;
-        TrayMenu shorter(schemeList(), partial);
+        TrayMenu shorter(settings_, actions_, TrayMenu::Offers{false, false});
         QCOMPARE(items(shorter).size(), 8);
         QVERIFY(!items(shorter).join(' ').contains("Options") &&
                 !items(shorter).join(' ').contains("Exercise"));
@@ -57,9 +95,10 @@ private slots:
     }
 
     // The list is read again on every call, in stored order; a shorter list takes surplus items away.
-    // The designed element stays: with nothing stored, or a damaged "Num", it keeps its caption.
+    // The designed element stays: with nothing stored, or a damaged "Num", it keeps its caption. A
+    // scheme item names the scheme it shows at the time of the click.
     void LoadMnuX_followsTheStore() {
-        TrayMenu menu(schemeList(), wiredActions());
+        TrayMenu& menu = *menu_;
         writeSchemeList(settings_, {});
         menu.LoadMnuX();
         QCOMPARE(items(menu).mid(7, 2), QStringList({"mnuX_1 Scheme", "mnuPopupDash2 -"}));
@@ -78,143 +117,70 @@ private slots:
         store_.setValue(kSchemesSection, "Num", "three");
         menu.LoadMnuX(); // must not throw: the menu has to come up whatever the store holds
         QCOMPARE(items(menu).mid(7, 2), QStringList({"mnuX_1 A", "mnuPopupDash2 -"}));
-    }
 
-    // A scheme item names the scheme it shows at the time of the click.
-    void eachItemReachesItsAction() {
-        TrayMenu menu(schemeList(), wiredActions());
         writeSchemeList(settings_, {"*Medium break", "Mine"});
         menu.LoadMnuX();
         for (QAction* action : menu.mnuPopup().actions())
             action->trigger();
-        QCOMPARE(log_, QStringList({"options", "status", "about", "micropause", "exercise",
-                                    "scheme 1 *Medium break", "scheme 2 Mine", "shutdown"}));
+        QCOMPARE(actions_.log, QStringList({"LoadMeUp", "status", "about", "micropause", "exercise",
+                                            "scheme *Medium break", "scheme Mine", "shutdown"}));
     }
 
-    // Only a left double click and a right button up act; a key code pops the menu up, but 99 shuts down.
+    // The icon, added through pichook with its tip cut to the tray record's 63 characters: only a left
+    // double click and a right button up act, at the screen's own twips; a key code pops the menu up at
+    // the mouse with the store's schemes of the moment, but 99 shuts down.
     void messagesAndKeyCodes() {
+        hook_->addIcon(QIcon(), QString(70, 'x'));
+        QCOMPARE(icon_.tip(), QString(63, 'x'));
         for (const auto& [message, acts] :
              {std::pair{0x203, "LoadMeUp"}, std::pair{0x205, "popup"}, std::pair{0x202, ""},
               std::pair{0x200, ""}, std::pair{0x204, ""}, std::pair{0x208, ""}}) {
-            log_.clear();
-            hook_->pichook_MouseMove(0, 0, message * kTwips, 0);
-            QCOMPARE(QString::number(message, 16) + ':' + log_.join(' '),
+            actions_.log.clear();
+            icon_.deliver(message);
+            QCOMPARE(QString::number(message, 16) + ':' + actions_.log.join(' '),
                      QString::number(message, 16) + ':' + acts);
         }
-        log_.clear();
+        actions_.log.clear();
+        QCursor::setPos(613, 407);
+        writeSchemeList(settings_, {"Other", "*Medium break", "Third"});
         for (const int keyCode : {99, 0, 13})
-            hook_->pichook_KeyDown(keyCode, 0);
-        QCOMPARE(log_, QStringList({"shutdown", "popup", "popup"}));
+            hook_->keyDown(keyCode);
+        QCOMPARE(actions_.log, QStringList({"shutdown", "popup", "popup"}));
+        QCOMPARE(schemesShown(icon_.popUps().front()), QStringList({"*Medium break", "Mine"}));
+        QCOMPARE(schemesShown(icon_.popUps().back()), QStringList({"Other", "*Medium break", "Third"}));
+        QCOMPARE(icon_.popUps().back().position, QPoint(613, 407));
 
         // X is in twips: only the screen's own factor turns it into the message.
-        log_.clear();
-        hook_ = makeHook(TrayHook::twipsPerPixelX(120)); // 12
-        hook_->pichook_MouseMove(0, 0, 0x205 * 15.0, 0); // as a 96-dpi screen would send it
-        QVERIFY(log_.isEmpty());
-        hook_->pichook_MouseMove(0, 0, 0x205 * 12.0, 0);
-        QCOMPARE(log_, QStringList{"popup"});
-    }
-
-    // The menu goes up at the mouse with the scheme list as the store holds it at that moment.
-    void popupShowsTheCurrentSchemesAtTheMouse() {
-        hook_->pichook_MouseMove(0, 0, 0x205 * kTwips, 0);
-        writeSchemeList(settings_, {"Other", "*Medium break", "Third"});
-        hook_->pichook_KeyDown(0, 0);
-        QCOMPARE(icon_->popUps().size(), 2u);
-        QCOMPARE(schemesShown(icon_->popUps()[0]), QStringList({"*Medium break", "Mine"}));
-        QCOMPARE(schemesShown(icon_->popUps()[1]), QStringList({"Other", "*Medium break", "Third"}));
-        QCOMPARE(icon_->popUps()[1].position, kMouse);
+        actions_.log.clear();
+        TrayHook at120dpi(icon_, *menu_, actions_, TrayHook::twipsPerPixelX(120)); // 12
+        at120dpi.pichook_MouseMove(0, 0, 0x205 * 15.0, 0); // as a 96-dpi screen would send it
+        QVERIFY(actions_.log.isEmpty());
+        at120dpi.pichook_MouseMove(0, 0, 0x205 * 12.0, 0);
+        QCOMPARE(actions_.log, QStringList{"popup"});
+        hook_->removeIcon();
+        QVERIFY(!icon_.added());
     }
 
     // Events that arrive while the menu or the options dialog is up (their event loops run) are
-    // dropped; once it has closed, the next one is handled again.
+    // dropped; once it has closed, the next one is handled again, also after an error.
     void eventsWhileBusyAreIgnored() {
-        icon_->onPopUp = [this](QMenu&) {
-            log_ << "popup";
+        icon_.onPopUp = [this](QMenu&) {
+            actions_.log << "popup";
             hook_->pichook_MouseMove(0, 0, 0x205 * kTwips, 0);
             hook_->pichook_MouseMove(0, 0, 0x203 * kTwips, 0);
             hook_->pichook_KeyDown(0, 0);
         };
-        loadMeUp_ = [this] { hook_->pichook_MouseMove(0, 0, 0x205 * kTwips, 0); };
+        actions_.whileOptionsUp = [this] { hook_->pichook_MouseMove(0, 0, 0x205 * kTwips, 0); };
         hook_->pichook_MouseMove(0, 0, 0x205 * kTwips, 0);
         hook_->pichook_MouseMove(0, 0, 0x203 * kTwips, 0);
-        QCOMPARE(log_, QStringList({"popup", "LoadMeUp"}));
+        QCOMPARE(actions_.log, QStringList({"popup", "LoadMeUp"}));
 
-        loadMeUp_ = [] { throw RuntimeError(vberr::InvalidCall); }; // an error must not leave the icon deaf
+        actions_.whileOptionsUp = [] { throw RuntimeError(vberr::InvalidCall); };
         QVERIFY_THROWS_EXCEPTION(RuntimeError, hook_->pichook_MouseMove(0, 0, 0x203 * kTwips, 0));
-        icon_->onPopUp = [this](QMenu&) { log_ << "popup"; };
+        icon_.onPopUp = [this](QMenu&) { actions_.log << "popup"; };
         hook_->pichook_MouseMove(0, 0, 0x205 * kTwips, 0);
-        QCOMPARE(log_, QStringList({"popup", "LoadMeUp", "LoadMeUp", "popup"}));
+        QCOMPARE(actions_.log, QStringList({"popup", "LoadMeUp", "LoadMeUp", "popup"}));
     }
-
-    // The icon's own messages reach the hook in twips. The tip is cut to the tray record's 63
-    // characters and its terminating zero.
-    void iconMessagesReachTheHook() {
-        hook_->addIcon(QIcon(), QString(70, 'x'));
-        QCOMPARE(icon_->tip(), QString(63, 'x'));
-        icon_->deliver(0x203);
-        icon_->deliver(0x205);
-        QCOMPARE(log_, QStringList({"LoadMeUp", "popup"}));
-        hook_->removeIcon();
-        QVERIFY(!icon_->added());
-    }
-
-private:
-    // "objectName caption" per item in menu order, "-" for a separator.
-    static QStringList items(TrayMenu& menu) {
-        QStringList out;
-        for (const QAction* action : menu.mnuPopup().actions())
-            out << action->objectName() + ' ' +
-                       (action->isSeparator() ? QStringLiteral("-") : action->text());
-        return out;
-    }
-
-    std::function<QStringList()> schemeList() {
-        return [this] { return readSchemeList(settings_); };
-    }
-
-    TrayMenuActions wiredActions() {
-        TrayMenuActions actions;
-        actions.options = [this] { log_ << "options"; };
-        actions.status = [this] { log_ << "status"; };
-        actions.about = [this] { log_ << "about"; };
-        actions.micropauseNow = [this] { log_ << "micropause"; };
-        actions.exerciseNow = [this] { log_ << "exercise"; };
-        actions.scheme = [this](int index, const QString& name) {
-            log_ << QString("scheme %1 %2").arg(index).arg(name);
-        };
-        actions.shutdown = [this] { log_ << "shutdown"; };
-        return actions;
-    }
-
-    std::unique_ptr<TrayHook> makeHook(double twips) {
-        TrayHookActions actions;
-        actions.LoadMeUp = [this] {
-            log_ << "LoadMeUp";
-            if (loadMeUp_)
-                loadMeUp_();
-        };
-        actions.shutdown = [this] { log_ << "shutdown"; };
-        actions.mousePosition = [] { return kMouse; };
-        return std::make_unique<TrayHook>(*icon_, menu_, twips, actions);
-    }
-
-    static QStringList schemesShown(const FakeTrayIcon::PopUp& popUp) {
-        QStringList names;
-        for (qsizetype i = 0; i < popUp.itemNames.size(); ++i) {
-            if (popUp.itemNames[i].startsWith("mnuX_"))
-                names << popUp.captions[i];
-        }
-        return names;
-    }
-
-    MemoryRegistryStore store_;
-    SettingsStore settings_{store_};
-    QStringList log_;
-    std::unique_ptr<FakeTrayIcon> icon_;
-    TrayMenu menu_{schemeList(), TrayMenuActions()};
-    std::unique_ptr<TrayHook> hook_;
-    std::function<void()> loadMeUp_;
 };
 
 QTEST_MAIN(TestTrayMenu)

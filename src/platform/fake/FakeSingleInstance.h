@@ -3,7 +3,6 @@
 #include "core/SingleInstance.h"
 
 #include <functional>
-#include <utility>
 #include <vector>
 
 namespace tarvo {
@@ -30,7 +29,7 @@ public:
         return false;
     }
     std::int32_t handle() const override { return handle_; }
-    void listen(std::function<void(int keyCode)> onKeyDown) override { onKeyDown_ = std::move(onKeyDown); }
+    void listen(Listener& listener) override { listener_ = &listener; }
     bool sendKeyDown(std::int32_t handle, int keyCode) override {
         sent_.push_back({handle, keyCode});
         if (onSend_)
@@ -38,7 +37,7 @@ public:
         return sendReachesInstance_;
     }
     void release() override {
-        onKeyDown_ = nullptr;
+        listener_ = nullptr;
         holdsLock_ = false;
         ++releaseCalls_;
     }
@@ -51,14 +50,13 @@ public:
 
     // Hands a key code to the listener as a second start would; false when nothing listens.
     bool deliverKeyDown(int keyCode) {
-        if (!onKeyDown_)
+        if (!listener_)
             return false;
-        const std::function<void(int)> onKeyDown = onKeyDown_; // the listener may release()
-        onKeyDown(keyCode);
+        listener_->keyDown(keyCode); // it may release()
         return true;
     }
 
-    bool isListening() const { return static_cast<bool>(onKeyDown_); }
+    bool isListening() const { return listener_ != nullptr; }
     bool holdsLock() const { return holdsLock_; }
     int previousInstanceCalls() const { return previousInstanceCalls_; }
     int releaseCalls() const { return releaseCalls_; }
@@ -71,7 +69,7 @@ private:
     bool holdsLock_ = false;
     int previousInstanceCalls_ = 0;
     int releaseCalls_ = 0;
-    std::function<void(int)> onKeyDown_;
+    Listener* listener_ = nullptr;
     std::function<void(const Sent&)> onSend_;
     std::vector<Sent> sent_;
 };

@@ -3,6 +3,7 @@
 #include "core/TrayIcon.h"
 
 #include <QAction>
+#include <QIcon>
 #include <QMenu>
 #include <QStringList>
 
@@ -23,9 +24,9 @@ public:
         QString defaultItem;
     };
 
-    void add(const QIcon&, const QString& tip, std::function<void(int message)> onMessage) override {
+    void add(const QIcon&, const QString& tip, Listener& listener) override {
         tip_ = tip;
-        onMessage_ = std::move(onMessage);
+        listener_ = &listener;
         added_ = true;
     }
     void remove() override { added_ = false; }
@@ -45,8 +46,8 @@ public:
 
     // Delivers a mouse message as a click on the icon would (nothing happens before add).
     void deliver(int message) {
-        if (added_ && onMessage_)
-            onMessage_(message);
+        if (added_)
+            listener_->trayMessage(message);
     }
 
     // Runs while the menu is "up".
@@ -57,7 +58,7 @@ public:
     const std::vector<PopUp>& popUps() const { return popUps_; }
 
 private:
-    std::function<void(int)> onMessage_;
+    Listener* listener_ = nullptr;
     QString tip_;
     std::vector<PopUp> popUps_;
     bool added_ = false;

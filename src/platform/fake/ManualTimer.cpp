@@ -6,8 +6,9 @@
 
 namespace tarvo {
 
-ManualTimer::ManualTimer(ManualTimeline* timeline)
-    : timeline_(timeline) {
+ManualTimer::ManualTimer(Listener& listener, ManualTimeline* timeline)
+    : Timer(listener)
+    , timeline_(timeline) {
     if (timeline_)
         timeline_->timers_.push_back(this);
 }

@@ -14,7 +14,7 @@ class ManualTimeline;
 // advances past its due time.
 class ManualTimer : public Timer {
 public:
-    explicit ManualTimer(ManualTimeline* timeline = nullptr);
+    explicit ManualTimer(Listener& listener, ManualTimeline* timeline = nullptr);
     ~ManualTimer() override;
 
     void setInterval(int milliseconds) override;
@@ -48,7 +48,9 @@ public:
     explicit ManualTimeline(FakeClock* clock = nullptr)
         : clock_(clock) {}
 
-    std::unique_ptr<Timer> createTimer() override { return std::make_unique<ManualTimer>(this); }
+    std::unique_ptr<Timer> createTimer(Timer::Listener& listener) override {
+        return std::make_unique<ManualTimer>(listener, this);
+    }
 
     std::int64_t now() const { return now_; }
     // Returns the number of ticks delivered.

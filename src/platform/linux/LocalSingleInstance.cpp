@@ -73,8 +73,8 @@ std::int32_t LocalSingleInstance::handle() const {
     return static_cast<std::int32_t>(QCoreApplication::applicationPid());
 }
 
-void LocalSingleInstance::listen(std::function<void(int keyCode)> onKeyDown) {
-    onKeyDown_ = std::move(onKeyDown);
+void LocalSingleInstance::listen(Listener& listener) {
+    listener_ = &listener;
     if (server_ && server_->isListening())
         return;
     if (!server_) {
@@ -112,12 +112,10 @@ void LocalSingleInstance::answer(QLocalSocket* socket) {
         socket->abort();
         return;
     }
-    // The callback may release() this instance (shut-down) or replace the callback; the copy and the
-    // guard keep both from pulling anything out from under this call.
-    const std::function<void(int)> onKeyDown = onKeyDown_;
+    // The listener may release() this instance (shut-down); the guard notices the socket going with it.
     const QPointer<QLocalSocket> guard(socket);
-    if (onKeyDown)
-        onKeyDown(keyCode);
+    if (listener_)
+        listener_->keyDown(keyCode);
     if (!guard || guard->state() != QLocalSocket::ConnectedState)
         return;
     // flush() hands the answer to the kernel at once, so it reaches the sender even when the callback
@@ -154,7 +152,7 @@ bool LocalSingleInstance::sendKeyDown(std::int32_t handle, int keyCode) {
 }
 
 void LocalSingleInstance::release() {
-    onKeyDown_ = nullptr;
+    listener_ = nullptr;
     // The server object stays until destruction: a connection being answered belongs to it.
     if (server_)
         server_->close();

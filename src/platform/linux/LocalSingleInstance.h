@@ -38,7 +38,7 @@ public:
 
     bool previousInstance() override;
     std::int32_t handle() const override;
-    void listen(std::function<void(int keyCode)> onKeyDown) override;
+    void listen(Listener& listener) override;
     bool sendKeyDown(std::int32_t handle, int keyCode) override;
     void release() override;
 
@@ -54,7 +54,7 @@ private:
     int replyTimeoutMs_;
     std::unique_ptr<QLockFile> lock_;
     std::unique_ptr<QLocalServer> server_;
-    std::function<void(int)> onKeyDown_;
+    Listener* listener_ = nullptr;
 };
 
 } // namespace tarvo

@@ -2,7 +2,8 @@
 
 namespace tarvo {
 
-QtTimer::QtTimer() {
+QtTimer::QtTimer(Listener& listener)
+    : Timer(listener) {
     timer_.setTimerType(Qt::PreciseTimer);
     QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { tick(); });
 }

@@ -10,7 +10,7 @@ namespace tarvo {
 // the 5 % that Qt's coarse timers allow, and they wake the process only when they are due anyway.
 class QtTimer : public Timer {
 public:
-    QtTimer();
+    explicit QtTimer(Listener& listener);
     void setInterval(int milliseconds) override;
     int interval() const override { return interval_; }
     void setEnabled(bool enabled) override;
@@ -26,7 +26,9 @@ private:
 
 class QtTimerFactory : public TimerFactory {
 public:
-    std::unique_ptr<Timer> createTimer() override { return std::make_unique<QtTimer>(); }
+    std::unique_ptr<Timer> createTimer(Timer::Listener& listener) override {
+        return std::make_unique<QtTimer>(listener);
+    }
 };
 
 } // namespace tarvo

@@ -36,10 +36,10 @@ QtTrayIcon::QtTrayIcon(QObject* parent)
 
 QtTrayIcon::~QtTrayIcon() = default;
 
-void QtTrayIcon::add(const QIcon& icon, const QString& tip, std::function<void(int message)> onMessage) {
+void QtTrayIcon::add(const QIcon& icon, const QString& tip, Listener& listener) {
     iconImage_ = icon;
     tip_ = tip;
-    onMessage_ = std::move(onMessage);
+    listener_ = &listener;
     if (!icon_) {
         icon_ = new QSystemTrayIcon(this);
         connect(icon_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
@@ -103,8 +103,10 @@ void QtTrayIcon::placeIcon() {
             standIn_->hide();
     } else {
         icon_->hide();
-        if (!standIn_)
-            standIn_ = std::make_unique<TrayStandInWindow>(iconImage_, tip_, [this](int m) { deliver(m); });
+        if (!standIn_) {
+            standIn_ = std::make_unique<TrayStandInWindow>(iconImage_, tip_);
+            connect(standIn_.get(), &TrayStandInWindow::message, this, &QtTrayIcon::deliver);
+        }
         standIn_->show();
     }
     if (trayThere != embedded_) {
@@ -117,8 +119,8 @@ void QtTrayIcon::deliver(int message) {
     QMetaObject::invokeMethod(
         this,
         [this, message] {
-            if (added_ && onMessage_)
-                onMessage_(message);
+            if (added_)
+                listener_->trayMessage(message);
         },
         Qt::QueuedConnection);
 }

@@ -2,6 +2,7 @@
 
 #include "core/TrayIcon.h"
 
+#include <QIcon>
 #include <QObject>
 #include <QPointer>
 
@@ -35,7 +36,7 @@ public:
     explicit QtTrayIcon(QObject* parent = nullptr);
     ~QtTrayIcon() override;
 
-    void add(const QIcon& icon, const QString& tip, std::function<void(int message)> onMessage) override;
+    void add(const QIcon& icon, const QString& tip, Listener& listener) override;
     void remove() override;
     void popUp(QMenu& menu, const QPoint& position) override;
     bool isEmbedded() const override;
@@ -54,7 +55,7 @@ private:
     QSystemTrayIcon* icon_ = nullptr; // a child of this object
     std::unique_ptr<TrayStandInWindow> standIn_;
     std::unique_ptr<X11TrayHostWatcher> watcher_;
-    std::function<void(int)> onMessage_;
+    Listener* listener_ = nullptr;
     QIcon iconImage_;
     QString tip_;
     bool added_ = false;

@@ -16,10 +16,8 @@ constexpr int kIconSize = 48;
 
 } // namespace
 
-TrayStandInWindow::TrayStandInWindow(const QIcon& icon, const QString& title,
-                                     std::function<void(int message)> onMessage, QWidget* parent)
-    : QWidget(parent, Qt::Window)
-    , onMessage_(std::move(onMessage)) {
+TrayStandInWindow::TrayStandInWindow(const QIcon& icon, const QString& title, QWidget* parent)
+    : QWidget(parent, Qt::Window) {
     setObjectName(QStringLiteral("TrayStandInWindow"));
     setWindowTitle(title);
     setWindowIcon(icon);
@@ -45,13 +43,13 @@ TrayStandInWindow::TrayStandInWindow(const QIcon& icon, const QString& title,
 void TrayStandInWindow::mouseReleaseEvent(QMouseEvent* event) {
     switch (event->button()) {
     case Qt::LeftButton:
-        onMessage_(TrayIcon::kLeftButtonUp);
+        emit message(TrayIcon::kLeftButtonUp);
         break;
     case Qt::RightButton:
-        onMessage_(TrayIcon::kRightButtonUp);
+        emit message(TrayIcon::kRightButtonUp);
         break;
     case Qt::MiddleButton:
-        onMessage_(TrayIcon::kMiddleButtonUp);
+        emit message(TrayIcon::kMiddleButtonUp);
         break;
     default:
         QWidget::mouseReleaseEvent(event);
@@ -65,7 +63,7 @@ void TrayStandInWindow::mouseDoubleClickEvent(QMouseEvent* event) {
         QWidget::mouseDoubleClickEvent(event);
         return;
     }
-    onMessage_(TrayIcon::kLeftDoubleClick);
+    emit message(TrayIcon::kLeftDoubleClick);
     event->accept();
 }
 
@@ -75,7 +73,7 @@ void TrayStandInWindow::contextMenuEvent(QContextMenuEvent* event) {
         event->ignore();
         return;
     }
-    onMessage_(TrayIcon::kRightButtonUp);
+    emit message(TrayIcon::kRightButtonUp);
     event->accept();
 }
 

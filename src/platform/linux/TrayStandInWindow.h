@@ -3,8 +3,6 @@
 #include <QIcon>
 #include <QWidget>
 
-#include <functional>
-
 class QLabel;
 
 namespace tarvo {
@@ -21,17 +19,17 @@ class TrayStandInWindow : public QWidget {
     Q_OBJECT
 
 public:
-    TrayStandInWindow(const QIcon& icon, const QString& title, std::function<void(int message)> onMessage,
-                      QWidget* parent = nullptr);
+    TrayStandInWindow(const QIcon& icon, const QString& title, QWidget* parent = nullptr);
+
+signals:
+    // A click on the window, as the tray icon's mouse message.
+    void message(int message);
 
 protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
-
-private:
-    std::function<void(int)> onMessage_;
 };
 
 } // namespace tarvo

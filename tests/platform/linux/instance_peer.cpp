@@ -18,6 +18,20 @@ void say(const QString& line) {
     std::fflush(stdout);
 }
 
+// Prints each key code it handles; 99 ends the instance as shut-down does.
+struct Holder : SingleInstance::Listener {
+    LocalSingleInstance& instance;
+    explicit Holder(LocalSingleInstance& i)
+        : instance(i) {}
+    void keyDown(int keyCode) override {
+        say(QStringLiteral("key %1").arg(keyCode));
+        if (keyCode == SingleInstance::kShutdownKey) {
+            instance.release();
+            QCoreApplication::quit();
+        }
+    }
+};
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -33,13 +47,8 @@ int main(int argc, char** argv) {
             say(QStringLiteral("previous"));
             return 3;
         }
-        instance.listen([&instance](int keyCode) {
-            say(QStringLiteral("key %1").arg(keyCode));
-            if (keyCode == 99) {
-                instance.release();
-                QCoreApplication::quit();
-            }
-        });
+        Holder holder(instance);
+        instance.listen(holder);
         say(QStringLiteral("running %1").arg(instance.handle()));
         return app.exec();
     }

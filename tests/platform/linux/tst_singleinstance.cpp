@@ -45,6 +45,12 @@ std::int32_t startHolder(QProcess& holder, const QStringList& extra = {}) {
     return line.startsWith("running ") ? line.mid(8).toInt() : 0;
 }
 
+// Hands each key code to a function of the test.
+struct KeyListener : SingleInstance::Listener {
+    std::function<void(int)> onKey = [](int) {};
+    void keyDown(int keyCode) override { onKey(keyCode); }
+};
+
 } // namespace
 
 class TestSingleInstance : public QObject {
@@ -106,10 +112,12 @@ private slots:
         QProcess sender;
         QList<int> handled;
         bool senderWaited = false;
-        instance.listen([&](int keyCode) {
+        KeyListener listener;
+        listener.onKey = [&](int keyCode) {
             handled.append(keyCode);
             senderWaited = sender.state() == QProcess::Running && !sender.waitForFinished(300);
-        });
+        };
+        instance.listen(listener);
         for (const QByteArray& junk :
              {QByteArray("abc\n"), QByteArray("12x\n"), QByteArray(100, '1'), QByteArray()}) {
             QLocalSocket intruder;
@@ -167,7 +175,8 @@ private slots:
         QFile stale(QString::fromLocal8Bit(path));
         QVERIFY(stale.open(QIODevice::WriteOnly));
         stale.close();
-        instance.listen([](int) {});
+        KeyListener listener;
+        instance.listen(listener);
         struct stat st {};
         QCOMPARE(::stat(path.constData(), &st), 0);
         QVERIFY(S_ISSOCK(st.st_mode));
@@ -188,7 +197,8 @@ private slots:
             LocalSingleInstance instance;
             QVERIFY(!instance.previousInstance());
             QVERIFY2(QFile::exists(prefix + ".lock"), runtime.constData());
-            instance.listen([](int) {});
+            KeyListener listener;
+            instance.listen(listener);
             QVERIFY(QFile::exists(prefix + QStringLiteral("-%1").arg(instance.handle())));
             QCOMPARE(runPeer({"probe"}), QByteArray("previous"));
         }

@@ -1,0 +1,86 @@
+#include "platform/linux/LinuxPlatform.h"
+
+#include "platform/linux/ActivityMonitorFactory.h"
+#include "platform/linux/CanberraSoundPlayer.h"
+#include "platform/linux/FileRegistryStore.h"
+#include "platform/linux/LocalSingleInstance.h"
+#include "platform/linux/QProcessRunner.h"
+#include "platform/linux/QtFileDialog.h"
+#include "platform/linux/QtMessageBox.h"
+#include "platform/linux/QtTimer.h"
+#include "platform/linux/QtTrayIcon.h"
+#include "platform/linux/SystemClock.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+
+namespace tarvo {
+
+QString programFolder() {
+    // The kernel's link to the running image names the file itself, links already resolved, however
+    // the program was started (a link, a relative path, a search of PATH).
+    const QString image = QFile::symLinkTarget(QStringLiteral("/proc/self/exe"));
+    if (!image.isEmpty())
+        return QFileInfo(image).absolutePath();
+    return QCoreApplication::applicationDirPath(); // without /proc: Qt's own guess from argv[0]
+}
+
+std::unique_ptr<RegistryStore> openUserStore() {
+    return std::make_unique<FileRegistryStore>(FileRegistryStore::defaultPath());
+}
+
+struct LinuxPlatform::Seams {
+    QString folder = tarvo::programFolder();
+    FileRegistryStore store{FileRegistryStore::defaultPath()};
+    SystemClock clock;
+    QtTimerFactory timers;
+    std::unique_ptr<ActivityMonitor> monitor = createActivityMonitor();
+    CanberraSoundPlayer sound{folder + QStringLiteral("/beep.wav")};
+    QProcessRunner processes;
+    LocalSingleInstance instance;
+    QtTrayIcon tray;
+    QtMessageBox messages;
+    QtFileDialog files;
+};
+
+LinuxPlatform::LinuxPlatform()
+    : seams_(std::make_unique<Seams>()) {}
+
+LinuxPlatform::~LinuxPlatform() = default;
+
+const QString& LinuxPlatform::programFolder() const {
+    return seams_->folder;
+}
+RegistryStore& LinuxPlatform::store() {
+    return seams_->store;
+}
+const Clock& LinuxPlatform::clock() const {
+    return seams_->clock;
+}
+TimerFactory& LinuxPlatform::timers() {
+    return seams_->timers;
+}
+ActivityMonitor& LinuxPlatform::monitor() {
+    return *seams_->monitor;
+}
+SoundPlayer& LinuxPlatform::sound() {
+    return seams_->sound;
+}
+ProcessRunner& LinuxPlatform::processes() {
+    return seams_->processes;
+}
+SingleInstance& LinuxPlatform::instance() {
+    return seams_->instance;
+}
+TrayIcon& LinuxPlatform::tray() {
+    return seams_->tray;
+}
+MessageBox& LinuxPlatform::messages() {
+    return seams_->messages;
+}
+FileDialog& LinuxPlatform::files() {
+    return seams_->files;
+}
+
+} // namespace tarvo
