@@ -1,5 +1,6 @@
-# Shared by the end-to-end scripts (sourced): a scratch folder $work, the processes in $pids that end
-# with the script, and a private X server with a window manager.
+# Shared by the end-to-end scripts and the start-up benchmark (sourced): a scratch folder $work, the
+# processes in $pids that end with the script, a private X server with a window manager and a tray
+# host, and the real program on a fresh profile.
 
 # Ends the test as skipped when one of the tools is missing.
 needs() {
@@ -18,6 +19,13 @@ cleanup() {
     rm -rf "$work"
 }
 trap cleanup EXIT
+fail() { echo "FAIL: $*"; [ -s "$work/tarvo.err" ] && sed 's/^/  tarvo: /' "$work/tarvo.err"; exit 1; }
+
+# A fresh profile: its settings file is $store.
+export HOME=$work/home XDG_CONFIG_HOME=$work/config XDG_RUNTIME_DIR=$work/runtime
+mkdir -p "$HOME" "$XDG_RUNTIME_DIR"
+chmod 700 "$XDG_RUNTIME_DIR"
+store=$XDG_CONFIG_HOME/tarvo/registry.reg
 
 # Waits up to $1 tenths of a second for a command to succeed.
 wait_for() {
@@ -26,8 +34,9 @@ wait_for() {
     return 1
 }
 
-# (Re)starts Xvfb with one screen of the given size, and openbox on it; ends what ran before.
-start_x() { # <width>x<height>
+# (Re)starts Xvfb with one screen of the given size, openbox and (unless told "notray") a tray host
+# on it; ends what ran before.
+start_x() { # <width>x<height> [notray]
     kill "${pids[@]}" 2>/dev/null || true
     wait 2>/dev/null || true
     pids=()
@@ -39,4 +48,39 @@ start_x() { # <width>x<height>
     openbox >/dev/null 2>&1 &
     pids+=($!)
     wait_for 100 sh -c "xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'" || fail "openbox did not start"
+    [ "${2:-}" = notray ] || start_trayer
+}
+
+start_trayer() {
+    trayer --edge top --align right --widthtype request --height 24 --SetDockType true >/dev/null 2>&1 &
+    trayer=$!
+    pids+=("$trayer")
+}
+
+visible_window() { xdotool search --onlyvisible --name "$1" >/dev/null 2>&1; }
+shown() { xdotool search --onlyvisible --pid "$tarvo" 2>/dev/null | wc -l; }
+more_shown_than() { [ "$(shown)" -gt "$1" ]; }
+
+# Starts the program in the folder $bin as the running instance ($tarvo), after importing settings
+# given as lines of a registry file below the program's root key (none: a first start).
+start_tarvo() { # [<.reg lines>...]
+    if (($#)); then
+        { echo REGEDIT4; printf '%s\n' "$@"; } | sed 's|\[|[HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\Tarvo Micropause\\|' >"$work/given.reg"
+        "$bin/regedit" /s "$work/given.reg" || fail "regedit could not import the settings"
+    fi
+    "$bin/tarvo" >"$work/tarvo.out" 2>"$work/tarvo.err" &
+    tarvo=$!
+    pids+=("$tarvo")
+    wait_for 100 grep -q "\"tray\"=\"$tarvo\"" "$store" || fail "start-up did not write its handle to \"tray\""
+}
+
+# A second start pops the running instance's menu up; the access key "m" starts a micropause.
+micropause_now() {
+    local before
+    before=$(shown)
+    "$bin/tarvo" &
+    pids+=($!)
+    wait_for 50 more_shown_than "$before" || fail "a second start did not pop up the menu"
+    xdotool key m
+    wait_for 100 visible_window '^Tarvo Micropause$' || fail "\"Micropause Now!\" showed no break screen"
 }

@@ -1,30 +1,24 @@
 #!/usr/bin/env bash
-# The real program from a fresh profile on an X server with a window manager and a notification area:
-# its icon docks, a right click shows the menu, "Micropause Now!" shows the break screen, a second
-# start pops the menu up, and "tarvo shutdown" ends both processes and leaves "tray" at "0".
+# The real program from a fresh profile on an X server with a window manager: without a notification
+# area its stand-in window serves; when one appears the icon docks, and it moves back and forth as the
+# area goes and comes; a right click on either shows the menu, whose "Micropause Now!" shows the break
+# screen; a second start pops the menu up, and "tarvo shutdown" ends both processes and leaves "tray"
+# at "0".
 #   test_tray_program.sh <program folder>
 set -euo pipefail
 bin=$1
 . "$(dirname "$0")/lib.sh"
 needs Xvfb openbox trayer xdotool xprop xwininfo
-fail() { echo "FAIL: $*"; [ -f "$work/tarvo.err" ] && sed 's/^/  tarvo: /' "$work/tarvo.err"; exit 1; }
-visible_window() { xdotool search --onlyvisible --name "$1" >/dev/null 2>&1; }
-shown() { xdotool search --onlyvisible --pid "$tarvo" 2>/dev/null | wc -l; }
-more_shown_than() { [ "$(shown)" -gt "$1" ]; }
 
-# A fresh profile.
-export HOME=$work/home XDG_CONFIG_HOME=$work/config XDG_RUNTIME_DIR=$work/runtime
-mkdir -p "$HOME" "$XDG_RUNTIME_DIR"
-chmod 700 "$XDG_RUNTIME_DIR"
-store=$XDG_CONFIG_HOME/tarvo/registry.reg
-
-start_x 1024x768
-trayer --edge top --align right --widthtype request --height 24 --SetDockType true >/dev/null 2>&1 &
-pids+=($!)
-
-"$bin/tarvo" >"$work/tarvo.out" 2>"$work/tarvo.err" &
-tarvo=$!
-pids+=("$tarvo")
+start_x 1024x768 notray
+start_tarvo
+stand_in_shown() { visible_window '^Tarvo Micropause$'; }
+right_click_shows_the_menu() { # <x> <y>
+    local before
+    before=$(shown)
+    xdotool mousemove "$1" "$2" click 3
+    wait_for 50 more_shown_than "$before" || fail "a right click on $3 showed no menu"
+}
 
 # The icon docks: one of the program's windows ends up inside trayer's panel.
 docked_icon() {
@@ -43,21 +37,30 @@ docked_icon() {
     done
     return 1
 }
-wait_for 150 docked_icon || fail "the icon did not dock into the notification area"
+wait_for 100 stand_in_shown || fail "no stand-in window without a notification area"
+eval "$(xdotool getwindowgeometry --shell "$(xdotool search --onlyvisible --name '^Tarvo Micropause$' | head -n 1)")"
+right_click_shows_the_menu $((X + WIDTH / 2)) $((Y + HEIGHT / 2)) "the stand-in window"
+xdotool key Escape
+echo "ok - without a notification area the stand-in window serves, with the menu on a right click"
+
+for round in 1 2; do
+    start_trayer
+    wait_for 150 docked_icon || fail "the icon did not dock into the notification area (round $round)"
+    wait_for 50 sh -c "! xdotool search --onlyvisible --name '^Tarvo Micropause\$'" || fail "the stand-in window stayed"
+    [ $round = 2 ] && break
+    kill "$trayer"
+    wait_for 100 stand_in_shown || fail "the stand-in window did not come back when the notification area went"
+done
 icon=$(docked_icon)
-wait_for 50 sh -c "grep -q '\"tray\"=\"$tarvo\"' '$store'" || fail "start-up did not write its handle to \"tray\""
 grep -q '"Initialised"="1"' "$store" || fail "the first run did not finish"
 grep -q '"InterruptEvery"="4"' "$store" || fail "the first run did not import the shipped defaults"
 grep -q -F '[HKEY_CURRENT_USER\Software\VB and VBA Program Settings\Tarvo Micropause\Scheme*Medium Break]' "$store" ||
     fail "the first run did not import the built-in schemes"
 eval "$(xdotool getwindowgeometry --shell "$icon")"
-echo "ok - fresh profile initialised, icon docked at ${X},${Y}"
+echo "ok - fresh profile initialised; the icon docks, and moves to the stand-in and back as trays go and come"
 
 # Right click on the icon: the menu comes up; its access key "m" starts a micropause.
-before=$(shown)
-xdotool mousemove $((X + WIDTH / 2)) $((Y + HEIGHT / 2)) click 3
-wait_for 50 more_shown_than "$before" ||
-    fail "a right click on the icon showed no menu"
+right_click_shows_the_menu $((X + WIDTH / 2)) $((Y + HEIGHT / 2)) "the icon"
 echo "ok - a right click on the icon shows the menu"
 xdotool key m
 wait_for 100 visible_window '^Tarvo Micropause$' || fail "\"Micropause Now!\" showed no break screen"
@@ -87,4 +90,4 @@ timeout 20 "$bin/tarvo" SHUTDOWN || fail "tarvo SHUTDOWN did not end"
 wait_for 50 sh -c "! kill -0 $tarvo 2>/dev/null" || fail "the running instance did not end"
 grep -q '"tray"="0"' "$store" || fail "shut-down did not set \"tray\" to 0"
 echo "ok - tarvo SHUTDOWN ends both processes and sets \"tray\" to 0"
-echo "4 passed, 0 failed"
+echo "5 passed, 0 failed"

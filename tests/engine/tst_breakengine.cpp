@@ -1,18 +1,11 @@
 // The break engine on simulated time with fakes only: which countdown moves and what is due when, a
 // micropause from its start to its end, Esc, Apply, a whole working day, and overflowing counters.
 #include "core/RuntimeError.h"
-#include "core/Timer.h"
-#include "engine/AppContext.h"
-#include "engine/BreakEngine.h" // first, to show that it stands on its own
+#include "engine/BreakEngine.h"
 #include "engine/CountdownBar.h"
 #include "engine/MainView.h"
 #include "engine/Warnings.h"
-#include "platform/fake/FakeActivityMonitor.h"
-#include "platform/fake/FakeClock.h"
-#include "platform/fake/ManualTimer.h"
-#include "platform/fake/MemoryRegistryStore.h"
-#include "platform/fake/RecordingSoundPlayer.h"
-#include "platform/fake/ScriptedMessageBox.h"
+#include "support/FakeContext.h"
 
 #include <QtTest>
 
@@ -30,14 +23,7 @@ struct Bar : CountdownBar {
 };
 
 // The engine with every seam faked; the screens and the speakers write one log of "<minute> <what>".
-struct Rig : MainView, Warnings {
-    MemoryRegistryStore store;
-    FakeClock clock{1000, QDateTime(QDate(2026, 11, 23), QTime(9, 0))};
-    ManualTimeline timeline{&clock};
-    FakeActivityMonitor monitor;
-    RecordingSoundPlayer sound;
-    ScriptedMessageBox messages;
-    AppContext ctx{store, clock, timeline, monitor, sound, messages, QStringLiteral("/opt/tarvo")};
+struct Rig : FakeContext, MainView, Warnings {
     SettingsRecord& settings = ctx.record;
     SchedulerState& state = ctx.schedule;
     Bar bar;

@@ -1,6 +1,6 @@
 // The countdown bar, checked on what its canvas shows: columns counted by colour in the retained image.
 #include "core/RuntimeError.h"
-#include "micropause/CProgressBar.h" // first, to show that it stands on its own
+#include "micropause/CProgressBar.h"
 #include "micropause/PictureBox.h"
 
 #include <QLabel>

@@ -1,8 +1,7 @@
 // The sound-selection form: which warning each mode edits, what the option pair shows, and what OK
-// and Cancel leave in the record; and the file dialog's filter as Qt takes it.
-#include "micropause/frmSound.h" // first, to show that it stands on its own
+// and Cancel leave in the record.
+#include "micropause/frmSound.h"
 #include "platform/fake/ScriptedFileDialog.h"
-#include "platform/linux/QtFileDialog.h"
 #include "settings/SettingsRecord.h"
 
 #include <QPushButton>
@@ -120,13 +119,6 @@ private slots:
         f.click("cmdCancel");
         QCOMPARE(f.form.result(), int(QDialog::Rejected));
         QVERIFY(settings == threePaths());
-    }
-
-    void filterForQt() {
-        QCOMPARE(QtFileDialog::nameFilters("Audio|*.wav|All files|*.*"),
-                 QStringList({"Audio (*.wav)", "All files (*)"}));
-        QCOMPARE(QtFileDialog::nameFilters("Media|*.avi; *.bmp|Odd"), QStringList{"Media (*.avi *.bmp)"});
-        QCOMPARE(QtFileDialog::nameFilters(QString()), QStringList());
     }
 };
 

@@ -1,17 +1,11 @@
 // The main form as the engine's view: its labels show what the scheduler wrote, the break screen
 // shows and hides its parts, the countdown bar is drawn, and Esc and the hint reach the engine.
 #include "core/RuntimeError.h"
-#include "engine/AppContext.h"
 #include "engine/BreakEngine.h"
 #include "engine/Warnings.h"
 #include "micropause/PictureBox.h"
-#include "micropause/frmTarvo.h" // first, to show that it stands on its own
-#include "platform/fake/FakeActivityMonitor.h"
-#include "platform/fake/FakeClock.h"
-#include "platform/fake/ManualTimer.h"
-#include "platform/fake/MemoryRegistryStore.h"
-#include "platform/fake/RecordingSoundPlayer.h"
-#include "platform/fake/ScriptedMessageBox.h"
+#include "micropause/frmTarvo.h"
+#include "support/FakeContext.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -40,14 +34,7 @@ int litColumns(const PictureBox* canvas) {
 }
 
 // The main form and its engine on simulated time.
-struct FormRig {
-    MemoryRegistryStore store;
-    FakeClock clock;
-    ManualTimeline timeline{&clock};
-    FakeActivityMonitor monitor;
-    RecordingSoundPlayer sound;
-    ScriptedMessageBox messages;
-    AppContext ctx{store, clock, timeline, monitor, sound, messages, QString()};
+struct FormRig : FakeContext {
     SilentWarnings warnings;
     frmTarvo form;
     BreakEngine engine{ctx, form, warnings};

@@ -2,8 +2,8 @@
 // settings folder.
 #include "platform/linux/FileRegistryStore.h"
 #include "settings/LoadAndCommit.h"
+#include "support/Programs.h"
 
-#include <QProcess>
 #include <QStringEncoder>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -17,11 +17,6 @@ QByteArray reg(const char* text) {
     return QByteArray(text).replace("ROOT", kRoot);
 }
 
-struct Run {
-    int status;
-    QString out, err;
-};
-
 } // namespace
 
 class TestRegedit : public QObject {
@@ -32,31 +27,11 @@ private:
 
     QString storePath() const { return dir_->filePath("config/tarvo/registry.reg"); }
     QString file(const QString& name) const { return dir_->filePath(name); }
-
-    void write(const QString& name, const QByteArray& bytes) const {
-        QFile f(file(name));
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
+    void write(const QString& name, const QByteArray& bytes) const { QVERIFY(writeFile(file(name), bytes)); }
+    ProgramRun run(const QString& program, const QStringList& args) const {
+        return runProgram(program, args, dir_->path());
     }
-    QByteArray read(const QString& path) const {
-        QFile f(path);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
-
-    Run run(const QString& program, const QStringList& args) const {
-        QProcess p;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("XDG_CONFIG_HOME", dir_->filePath("config"));
-        env.insert("QT_QPA_PLATFORM", "offscreen");
-        env.insert("XDG_RUNTIME_DIR", dir_->path()); // a private instance lock
-        p.setProcessEnvironment(env);
-        p.start(QStringLiteral(TARVO_PROGRAM_DIR "/") + program, args);
-        if (!p.waitForFinished(30000))
-            return {-1, {}, {}};
-        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
-                QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
-    }
-    Run regedit(const QStringList& args) const { return run("regedit", args); }
+    ProgramRun regedit(const QStringList& args) const { return run("regedit", args); }
 
 private slots:
     void init() { dir_ = std::make_unique<QTemporaryDir>(); }
@@ -66,11 +41,11 @@ private slots:
                             "\"Warning\"=\"Pause \\\"now\\\" \xe4\"\r\n" // Latin-1 a-umlaut
                             "[HKEY_LOCAL_MACHINE\\Software\\Other]\r\n\"x\"=\"y\"\r\n"
                             "[ROOT\\Options]\r\n\"tray\"=\"5\"\r\n\"n\"=dword:00000001\r\n"));
-        Run r = regedit({file("v4.reg")});
+        ProgramRun r = regedit({file("v4.reg")});
         QCOMPARE(r.status, 0);
         QVERIFY2(r.out.contains("Skipped [HKEY_LOCAL_MACHINE\\Software\\Other]"), qPrintable(r.out));
         QVERIFY(r.out.contains("Skipped value \"n\""));
-        const QByteArray stored = read(storePath());
+        const QByteArray stored = readFile(storePath());
         QVERIFY(!stored.contains("HKEY_LOCAL_MACHINE") && !stored.contains("\"n\""));
         QVERIFY(stored.contains("\"Warning\"=\"Pause \\\"now\\\" \xc3\xa4\"")); // kept as UTF-8
 
@@ -84,7 +59,7 @@ private slots:
         r = regedit({"/S", file("v5.reg")});
         QCOMPARE(r.status, 0);
         QVERIFY2(r.out.isEmpty() && r.err.isEmpty(), "/s is silent");
-        const QString after = QString::fromUtf8(read(storePath()));
+        const QString after = QString::fromUtf8(readFile(storePath()));
         QVERIFY(!after.contains("tray") && !after.contains("\\Micropause]"));
         QVERIFY(after.contains("Scheme*Ünï]\n\"1d\"=\"Roll ✓\""));
     }
@@ -92,13 +67,13 @@ private slots:
     void aFileThatFailsImportsNothing() {
         write("good.reg", reg("REGEDIT4\n[ROOT\\Options]\n\"tray\"=\"0\"\n"));
         QCOMPARE(regedit({file("good.reg")}).status, 0);
-        const QByteArray before = read(storePath());
+        const QByteArray before = readFile(storePath());
 
         write("bad.reg", reg("REGEDIT4\n[ROOT\\Options]\n\"tray\"=\"7\"\n\"AppPath\"=\"/unterminated\n"));
-        Run r = regedit({file("bad.reg")});
+        ProgramRun r = regedit({file("bad.reg")});
         QCOMPARE(r.status, 1);
         QVERIFY2(r.err.contains(file("bad.reg") + ", line 4"), qPrintable(r.err));
-        QCOMPARE(read(storePath()), before); // not even the good line before the error
+        QCOMPARE(readFile(storePath()), before); // not even the good line before the error
 
         r = regedit({"/s", file("missing.reg")});
         QVERIFY(r.status == 1 && r.err.isEmpty());
@@ -108,22 +83,28 @@ private slots:
         QCOMPARE(regedit({"/x", file("good.reg")}).status, 2);
     }
 
+    // What the store writes reads back the same, escapes, line breaks, empty keys and values and other
+    // scripts included: an export is the store file itself, and importing it gives the same store.
     void exportRoundTrip() {
-        write("in.reg", reg("REGEDIT4\n[ROOT\\Micropause]\n\"Warning\"=\"a \\\\ b \\\"c\\\"\"\n"
-                            "[ROOT\\Scheme x\\y]\n\"1\"=\"title.avi\"\n[ROOT\\Empty]\n"));
+        write("in.reg", reg("REGEDIT4\n[ROOT\\Micropause]\n\"Warning\"=\"a \\\\ b \\\"c\\\" && d\\nTwo\"\n"
+                            "[ROOT\\Scheme \"\xc3\xa4\" x\\y [b]]\n\"1d\"=\"\xc3\x9cn\xc3\xaf"
+                            "code \xe2\x9c\x93\"\n"
+                            "[ROOT\\Empty]\n[ROOT\\Options]\n\"tray\"=\"\"\n"));
         QCOMPARE(regedit({file("in.reg")}).status, 0);
-        const QByteArray original = read(storePath());
+        const QByteArray original = readFile(storePath());
+        QVERIFY(original.contains("\"Warning\"=\"a \\\\ b \\\"c\\\" && d\\nTwo\""));
         QCOMPARE(regedit({"/e", file("all.reg")}).status, 0);
-        QCOMPARE(read(file("all.reg")), original);
+        QCOMPARE(readFile(file("all.reg")), original);
 
         QVERIFY(QFile::remove(storePath()));
         QCOMPARE(regedit({file("all.reg")}).status, 0);
-        QCOMPARE(read(storePath()), original);
+        QCOMPARE(readFile(storePath()), original);
 
         // One key and the keys below it.
-        QCOMPARE(regedit({"-E", file("one.reg"), QString::fromLatin1(kRoot + "\\SCHEME X")}).status, 0);
-        const QByteArray one = read(file("one.reg"));
-        QVERIFY(one.contains("Scheme x\\y]") && !one.contains("\\Micropause]"));
+        QCOMPARE(
+            regedit({"-E", file("one.reg"), QString::fromUtf8(kRoot + "\\SCHEME \"\xc3\xa4\" X")}).status, 0);
+        const QByteArray one = readFile(file("one.reg"));
+        QVERIFY(one.contains("x\\y [b]]") && !one.contains("\\Micropause]"));
         QCOMPARE(regedit({"/e", file("no.reg"), "HKEY_CURRENT_USER\\Software"}).status, 1);
     }
 
@@ -149,7 +130,7 @@ private slots:
         write("bad.reg", reg("REGEDIT4\n[ROOT\\Micropause]\n\"InterruptFor\"=\"abc\"\n"
                              "[ROOT\\Options]\n\"Initialised\"=\"1\"\n"));
         QCOMPARE(regedit({"/s", file("bad.reg")}).status, 0);
-        const Run r = run("tarvo", {});
+        const ProgramRun r = run("tarvo", {});
         QCOMPARE(r.status, 1);
         QVERIFY2(r.err.contains("Run-time error '13':\n\nType mismatch"), qPrintable(r.err));
         QVERIFY(r.err.contains("\"InterruptFor\" in section \"Micropause\" holds \"abc\""));

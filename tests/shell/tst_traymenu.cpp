@@ -98,29 +98,25 @@ private slots:
     // The designed element stays: with nothing stored, or a damaged "Num", it keeps its caption. A
     // scheme item names the scheme it shows at the time of the click.
     void LoadMnuX_followsTheStore() {
-        TrayMenu& menu = *menu_;
-        writeSchemeList(settings_, {});
-        menu.LoadMnuX();
-        QCOMPARE(items(menu).mid(7, 2), QStringList({"mnuX_1 Scheme", "mnuPopupDash2 -"}));
-        writeSchemeList(settings_, {"A", "B"});
-        menu.LoadMnuX();
-        writeSchemeList(settings_, {"C", "A", "B", "D"});
-        menu.LoadMnuX();
-        QCOMPARE(items(menu).mid(6, 6), QStringList({"mnuPopupDash3 -", "mnuX_1 C", "mnuX_2 A", "mnuX_3 B",
-                                                     "mnuX_4 D", "mnuPopupDash2 -"}));
-        writeSchemeList(settings_, {"B"});
-        menu.LoadMnuX();
-        QCOMPARE(items(menu).mid(6, 3), QStringList({"mnuPopupDash3 -", "mnuX_1 B", "mnuPopupDash2 -"}));
-        QCOMPARE(menu.mnuPopup().findChildren<QAction*>(QRegularExpression("^mnuX_")).size(), 1);
-        writeSchemeList(settings_, {"A", "B", "C"});
-        menu.LoadMnuX();
+        // The scheme items and the separator after them, once the store holds `names`.
+        const auto schemeItems = [this](const QStringList& names) {
+            writeSchemeList(settings_, names);
+            menu_->LoadMnuX();
+            return items(*menu_).mid(7, std::max<qsizetype>(names.size(), 1) + 1).join(", ");
+        };
+        QCOMPARE(schemeItems({}), "mnuX_1 Scheme, mnuPopupDash2 -");
+        QCOMPARE(schemeItems({"A", "B"}), "mnuX_1 A, mnuX_2 B, mnuPopupDash2 -");
+        QCOMPARE(schemeItems({"C", "A", "B", "D"}),
+                 "mnuX_1 C, mnuX_2 A, mnuX_3 B, mnuX_4 D, mnuPopupDash2 -");
+        QCOMPARE(schemeItems({"B"}), "mnuX_1 B, mnuPopupDash2 -");
+        QCOMPARE(menu_->mnuPopup().findChildren<QAction*>(QRegularExpression("^mnuX_")).size(), 1);
+        schemeItems({"A", "B", "C"});
         store_.setValue(kSchemesSection, "Num", "three");
-        menu.LoadMnuX(); // must not throw: the menu has to come up whatever the store holds
-        QCOMPARE(items(menu).mid(7, 2), QStringList({"mnuX_1 A", "mnuPopupDash2 -"}));
+        menu_->LoadMnuX(); // must not throw: the menu has to come up whatever the store holds
+        QCOMPARE(items(*menu_).mid(7, 2).join(", "), "mnuX_1 A, mnuPopupDash2 -");
 
-        writeSchemeList(settings_, {"*Medium break", "Mine"});
-        menu.LoadMnuX();
-        for (QAction* action : menu.mnuPopup().actions())
+        schemeItems({"*Medium break", "Mine"});
+        for (QAction* action : menu_->mnuPopup().actions())
             action->trigger();
         QCOMPARE(actions_.log, QStringList({"LoadMeUp", "status", "about", "micropause", "exercise",
                                             "scheme *Medium break", "scheme Mine", "shutdown"}));

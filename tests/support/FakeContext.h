@@ -1,0 +1,25 @@
+#pragma once
+
+#include "engine/AppContext.h"
+#include "platform/fake/FakeActivityMonitor.h"
+#include "platform/fake/FakeClock.h"
+#include "platform/fake/ManualTimer.h"
+#include "platform/fake/MemoryRegistryStore.h"
+#include "platform/fake/RecordingSoundPlayer.h"
+#include "platform/fake/ScriptedMessageBox.h"
+
+// The application context on fakes only: the store in memory, a clock and timers that move only when
+// the test advances the timeline (from 09:00 on a Monday), made-up activity, recorded sounds and
+// pre-answered message boxes.
+struct FakeContext {
+    explicit FakeContext(QString programFolder = QStringLiteral("/opt/tarvo"))
+        : ctx(store, clock, timeline, monitor, sound, messages, std::move(programFolder)) {}
+
+    tarvo::MemoryRegistryStore store;
+    tarvo::FakeClock clock{1000, QDateTime(QDate(2026, 11, 23), QTime(9, 0))};
+    tarvo::ManualTimeline timeline{&clock};
+    tarvo::FakeActivityMonitor monitor;
+    tarvo::RecordingSoundPlayer sound;
+    tarvo::ScriptedMessageBox messages;
+    tarvo::AppContext ctx;
+};
