@@ -1,6 +1,7 @@
 // The registry export format: escapes, deletions and errors that name the line. Reading Latin-1 and
 // UTF-16 files, and the round trip of what the store writes, are checked through the real regedit.
 #include "core/RegFileCodec.h"
+#include "support/Raised.h"
 
 #include <QtTest>
 
@@ -11,12 +12,8 @@ namespace {
 const QString kKey = "HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\Tarvo Micropause";
 
 int errorLine(const QByteArray& bytes) {
-    try {
-        parseRegFile(bytes, "f.reg");
-    } catch (const RegParseError& e) {
-        return e.line();
-    }
-    return 0;
+    const auto e = raised<RegParseError>([&] { parseRegFile(bytes, "f.reg"); });
+    return e ? e->line() : 0;
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "core/Checked.h"
 #include "core/RuntimeError.h"
 #include "core/VbConvert.h"
+#include "support/Raised.h"
 
 #include <QtTest>
 
@@ -13,12 +14,8 @@ namespace {
 // The error number a call raises, or 0 when it raises nothing.
 template <typename F>
 std::int32_t errorOf(F&& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
+    const auto e = raised<RuntimeError>(f);
+    return e ? e->number() : 0;
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "exercise/SchemeStore.h"
 #include "platform/fake/MemoryRegistryStore.h"
 #include "settings/SettingsStore.h"
+#include "support/Raised.h"
 
 #include <QtTest>
 
@@ -86,14 +87,10 @@ private slots:
             SettingsStore s(bad);
             SaveScheme(s, "B", exercises(2), 2);
             bad.model().setValue("SchemeB", key, text);
-            try {
-                ExerciseTable t;
-                LoadScheme(s, t, "B");
-            } catch (const RuntimeError& e) {
-                return e.number() == vberr::TypeMismatch && e.context().contains(key) &&
-                       e.context().contains("SchemeB");
-            }
-            return false;
+            ExerciseTable t;
+            const auto e = raised<RuntimeError>([&] { LoadScheme(s, t, "B"); });
+            return e && e->number() == vberr::TypeMismatch && e->context().contains(key) &&
+                   e->context().contains("SchemeB");
         };
         QVERIFY(errorFor("Num", "two"));
         QVERIFY(errorFor("2y", "yes"));

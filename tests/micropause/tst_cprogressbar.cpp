@@ -2,6 +2,7 @@
 #include "core/RuntimeError.h"
 #include "micropause/CProgressBar.h"
 #include "micropause/PictureBox.h"
+#include "support/Raised.h"
 
 #include <QLabel>
 #include <QPainter>
@@ -15,14 +16,9 @@ namespace {
 
 void expectError(const std::function<void()>& action, std::int32_t number, const char* description,
                  const char* source = "") {
-    try {
-        action();
-        QFAIL("no error raised");
-    } catch (const RuntimeError& e) {
-        QCOMPARE(e.number(), number);
-        QCOMPARE(e.description(), QLatin1String(description));
-        QCOMPARE(e.source(), QLatin1String(source));
-    }
+    const auto e = raised<RuntimeError>(action);
+    QVERIFY(e && e->number() == number && e->description() == QLatin1String(description) &&
+            e->source() == QLatin1String(source));
 }
 
 // A red-on-blue bar on a canvas with a border `frame` wide.

@@ -6,6 +6,7 @@
 #include "micropause/PictureBox.h"
 #include "micropause/frmTarvo.h"
 #include "support/FakeContext.h"
+#include "support/Raised.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -121,13 +122,8 @@ private slots:
         FormRig rig;
         rig.ctx.record.InterruptFor = 0;
         rig.engine.scheduler().SetTimers();
-        try {
-            rig.engine.micropause().TarvoMicropause();
-            QFAIL("a break of 0 seconds started");
-        } catch (const RuntimeError& e) {
-            QCOMPARE(e.number(), vberr::objectError(3));
-            QCOMPARE(e.description(), "Max property must be greater than Min.");
-        }
+        const auto e = raised<RuntimeError>([&] { rig.engine.micropause().TarvoMicropause(); });
+        QVERIFY(e && e->number() == vberr::objectError(3));
         QVERIFY(!rig.ctx.schedule.InMicropause && !rig.engine.tSeconds().isEnabled());
         QVERIFY(!rig.form.isVisible());
     }

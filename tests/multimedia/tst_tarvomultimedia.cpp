@@ -20,7 +20,6 @@
 
 #include <cmath>
 #include <map>
-#include <tuple>
 
 namespace {
 
@@ -28,23 +27,6 @@ const QStringList kSchemes{"*Short Break", "*Medium Break", "*Long Break"};
 
 QStringList mediaIn(const QString& folder) {
     return QDir(folder).entryList(QDir::Files | QDir::Hidden, QDir::Name);
-}
-
-// A frame that shows the movement well: the one that differs most from the first.
-QImage telltaleFrame(const std::vector<QByteArray>& frames) {
-    const QImage first = QImage::fromData(frames.front(), "JPG").scaled(80, 60);
-    QImage best;
-    qint64 bestDistance = -1;
-    for (const QByteArray& f : frames) {
-        const QImage image = QImage::fromData(f, "JPG");
-        const QImage small = image.scaled(80, 60);
-        qint64 distance = 0;
-        for (int i = 0; i < 80 * 60; ++i)
-            distance += std::abs(qGray(small.pixel(i % 80, i / 80)) - qGray(first.pixel(i % 80, i / 80)));
-        if (distance > bestDistance)
-            std::tie(bestDistance, best) = std::pair(distance, image);
-    }
-    return best;
 }
 
 } // namespace
@@ -205,9 +187,12 @@ private slots:
         QImage upscaled;
         for (int i = 0; i < names.size(); ++i) {
             const QString path = QDir(media_).filePath(names[i]);
-            const QImage frame = names[i].endsWith(QLatin1String(".avi"))
-                                     ? telltaleFrame(readAvi(readFile(path)).frames)
-                                     : QImage(path);
+            // A video by the frame half way through its loop, where the movement is furthest along.
+            const std::vector<QByteArray> frames = names[i].endsWith(QLatin1String(".avi"))
+                                                       ? readAvi(readFile(path)).frames
+                                                       : std::vector<QByteArray>();
+            const QImage frame =
+                frames.empty() ? QImage(path) : QImage::fromData(frames[frames.size() / 2], "JPG");
             QVERIFY2(!frame.isNull(), qPrintable(names[i]));
             const QPoint at((i % columns) * width, (i / columns) * height);
             painter.drawImage(at, frame);

@@ -5,6 +5,7 @@
 #include "settings/LoadAndCommit.h"
 #include "settings/Options.h"
 #include "settings/SettingsPort.h"
+#include "support/Raised.h"
 
 #include <QtTest>
 
@@ -124,16 +125,12 @@ private slots:
             SettingsStore settings(store);
             SettingsRecord record;
             record.InterruptFor = 1;
-            try {
-                loadAllSettings(settings, record);
-                QFAIL("the load went on past a bad number");
-            } catch (const RuntimeError& e) {
-                QCOMPARE(e.number(), error);
-                QVERIFY2(e.report().contains(QStringLiteral("\"InterruptEvery\" in section \"Micropause\" "
-                                                            "holds \"%1\"")
-                                                 .arg(QLatin1String(text))),
-                         qPrintable(e.report()));
-            }
+            const auto e = raised<RuntimeError>([&] { loadAllSettings(settings, record); });
+            QVERIFY(e && e->number() == error);
+            QVERIFY2(
+                e->report().contains(
+                    QStringLiteral("\"InterruptEvery\" in section \"Micropause\" holds \"%1\"").arg(text)),
+                qPrintable(e->report()));
             QCOMPARE(record.InterruptFor, 15);                           // read before the bad key
             QCOMPARE(store.reads().last(), "Micropause/InterruptEvery"); // nothing after it
         }

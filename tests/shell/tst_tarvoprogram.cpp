@@ -12,6 +12,7 @@
 #include "shell/TarvoProgram.h"
 #include "support/FakeContext.h"
 #include "support/Programs.h"
+#include "support/Raised.h"
 
 #include <QAction>
 #include <QMenu>
@@ -173,13 +174,8 @@ private slots:
         rig.store.model().setValue("Options", "Initialised", "1");
         rig.store.model().setValue("Micropause", "Monitor0", "0");
         rig.store.model().setValue("Exercise", "NumAtaTime", "six");
-        try {
-            rig.program.Form_Load();
-            QFAIL("start-up went on past a bad option");
-        } catch (const RuntimeError& e) {
-            QCOMPARE(e.number(), vberr::TypeMismatch);
-            QVERIFY(e.context().contains("NumAtaTime"));
-        }
+        const auto e = raised<RuntimeError>([&] { rig.program.Form_Load(); });
+        QVERIFY(e && e->number() == vberr::TypeMismatch && e->context().contains("NumAtaTime"));
         QCOMPARE(rig.writtenKeys(), QStringList{"Options/tray=4242"}); // only what start-up writes first
         QVERIFY(!rig.monitor.isOn(0) && !rig.monitor.isOn(1));
 

@@ -2,6 +2,7 @@
 // file that is never overwritten.
 #include "core/RegistryStore.h"
 #include "platform/linux/FileRegistryStore.h"
+#include "support/Raised.h"
 
 #include <QProcess>
 #include <QRandomGenerator>
@@ -107,18 +108,10 @@ private slots:
         for (const auto& [content, line] : damaged) {
             writeAll(path_, content);
             FileRegistryStore store(path_);
-            for (const bool write : {false, true}) {
-                try {
-                    if (write)
-                        store.setValue("Options", "tray", "1");
-                    else
-                        store.value("Options", "tray");
-                    QFAIL(content.constData());
-                } catch (const StoreError& e) {
-                    QVERIFY2(e.message().contains(QStringLiteral("%1, line %2").arg(path_).arg(line)),
-                             qPrintable(e.message()));
-                }
-            }
+            for (const auto& e : {raised<StoreError>([&] { store.value("Options", "tray"); }),
+                                  raised<StoreError>([&] { store.setValue("Options", "tray", "1"); })})
+                QVERIFY2(e && e->message().contains(QStringLiteral("%1, line %2").arg(path_).arg(line)),
+                         content.constData());
             QCOMPARE(readAll(path_), content);
         }
         writeAll(path_, QByteArray("\n"));
