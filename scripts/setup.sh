@@ -13,7 +13,9 @@ packages=(
     trayer openbox x11-utils x11-xserver-utils  # X11 tests: tray host, window manager, xprop/xwininfo, xrandr
     libcanberra-dev libcanberra-pulse sound-theme-freedesktop # warning sounds, and the theme's "bell"
     pulseaudio pulseaudio-utils sox             # sound tests: a private server with a null sink, parec; sox to inspect recordings
-    gstreamer1.0-plugins-base gstreamer1.0-plugins-good # the exercise videos: AVI demuxer and JPEG decoder for Qt Multimedia
+    qt6-multimedia-dev                          # Qt Multimedia: the video helper tarvovideo plays the exercise videos with it
+    gstreamer1.0-plugins-base gstreamer1.0-plugins-good # its GStreamer back end: playback, AVI demuxer, Motion JPEG decoder
+    gstreamer1.0-libav                          # users' own clips in older codecs (Cinepak, Microsoft Video 1, Indeo...)
     gstreamer1.0-tools gstreamer1.0-plugins-base-apps   # gst-inspect, and gst-discoverer that the media tests play the videos with
     fonts-dejavu-core                           # the exercise media's title lettering
 )

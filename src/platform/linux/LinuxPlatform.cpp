@@ -4,16 +4,20 @@
 #include "platform/linux/CanberraSoundPlayer.h"
 #include "platform/linux/FileRegistryStore.h"
 #include "platform/linux/LocalSingleInstance.h"
+#include "platform/linux/MciMediaCommands.h"
 #include "platform/linux/QProcessRunner.h"
 #include "platform/linux/QtFileDialog.h"
 #include "platform/linux/QtMessageBox.h"
 #include "platform/linux/QtTimer.h"
 #include "platform/linux/QtTrayIcon.h"
 #include "platform/linux/SystemClock.h"
+#include "platform/linux/SystemRandom.h"
 
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
+
+#include <malloc.h>
 
 namespace tarvo {
 
@@ -30,6 +34,10 @@ std::unique_ptr<RegistryStore> openUserStore() {
     return std::make_unique<FileRegistryStore>(FileRegistryStore::defaultPath());
 }
 
+void releaseFreedMemory() {
+    malloc_trim(0);
+}
+
 struct LinuxPlatform::Seams {
     QString folder = tarvo::programFolder();
     FileRegistryStore store{FileRegistryStore::defaultPath()};
@@ -42,6 +50,8 @@ struct LinuxPlatform::Seams {
     QtTrayIcon tray;
     QtMessageBox messages;
     QtFileDialog files;
+    MciMediaCommands media{folder + QStringLiteral("/tarvovideo")};
+    SystemRandom random;
 };
 
 LinuxPlatform::LinuxPlatform()
@@ -81,6 +91,12 @@ MessageBox& LinuxPlatform::messages() {
 }
 FileDialog& LinuxPlatform::files() {
     return seams_->files;
+}
+MediaCommands& LinuxPlatform::media() {
+    return seams_->media;
+}
+RandomSource& LinuxPlatform::random() {
+    return seams_->random;
 }
 
 } // namespace tarvo

@@ -9,8 +9,10 @@ namespace tarvo {
 class ActivityMonitor;
 class Clock;
 class FileDialog;
+class MediaCommands;
 class MessageBox;
 class ProcessRunner;
+class RandomSource;
 class RegistryStore;
 class SingleInstance;
 class SoundPlayer;
@@ -25,6 +27,13 @@ QString programFolder();
 
 // The user's settings store at its place ($XDG_CONFIG_HOME/tarvo/registry.reg).
 std::unique_ptr<RegistryStore> openUserStore();
+
+// Hands the memory that the allocator holds free back to the system: after a break, whose windows
+// and pictures leave the heap with free pages that it would otherwise keep for the whole run.
+void releaseFreedMemory();
+
+// The whole of the video helper program, tarvovideo, that plays the exercise videos for MediaCommands.
+int runVideoHelper(int& argc, char** argv);
 
 // Every seam of the running program on a Linux desktop. This header is the folder's only face: the
 // implementations behind it (X11, libcanberra, local sockets, Qt widgets) stay private to it.
@@ -49,6 +58,8 @@ public:
     TrayIcon& tray();
     MessageBox& messages();
     FileDialog& files();
+    MediaCommands& media();
+    RandomSource& random();
 
 private:
     struct Seams;

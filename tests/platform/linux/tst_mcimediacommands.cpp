@@ -1,0 +1,147 @@
+// The media commands: the command strings understood (or refused with their error numbers), the
+// aliases kept, the helper started on the first video and ended after the last; and, on a private X
+// server, the real helper playing a video inside a window of this process, and showing nothing for a
+// damaged file or an installation without the AVI demuxer.
+#include "platform/linux/MciCommand.h"
+#include "platform/linux/MciMediaCommands.h"
+#include "support/Programs.h"
+#include "support/XvfbServer.h"
+
+#include <QApplication>
+#include <QProcess>
+#include <QScreen>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace tarvo;
+
+namespace {
+
+const QString kVideo = QStringLiteral(TARVO_PROGRAM_DIR "/neckturn.avi");
+bool haveX = false;
+
+int errorOf(const char* command) {
+    const auto parsed = parseMciCommand(QString::fromLatin1(command));
+    return std::holds_alternative<int>(parsed) ? std::get<int>(parsed) : 0;
+}
+
+// The mapped windows below a window of this process, as the X server sees them.
+int mappedChildren(WId window) {
+    QProcess xwininfo;
+    xwininfo.start("xwininfo", {"-children", "-id", QString::number(window)});
+    xwininfo.waitForFinished(5000);
+    int mapped = 0;
+    for (const QByteArray& line : xwininfo.readAllStandardOutput().split('\n'))
+        if (line.trimmed().startsWith("0x")) {
+            QProcess info;
+            info.start("xwininfo", {"-id", QString::fromLatin1(line.trimmed().split(' ').first())});
+            info.waitForFinished(5000);
+            mapped += info.readAllStandardOutput().contains("IsViewable") ? 1 : 0;
+        }
+    return mapped;
+}
+
+} // namespace
+
+class TestMciMediaCommands : public QObject {
+    Q_OBJECT
+
+private slots:
+    void commandStrings() {
+        const auto open = std::get<MciCommand>(parseMciCommand(
+            u"OPEN \"/home/my clips/a.avi\" type AVIVideo Alias TarvoX parent 4194305 style 1073741824"));
+        QCOMPARE(open.file, "/home/my clips/a.avi");
+        QCOMPARE(open.device, "TarvoX");
+        QVERIFY(open.type == "AVIVideo" && open.parent == 4194305 && open.style == 1073741824);
+        QCOMPARE(std::get<MciCommand>(parseMciCommand(u"put tarvox window at 0 0 -1 -1")).window,
+                 QRect(0, 0, -1, -1));
+        QVERIFY(std::get<MciCommand>(parseMciCommand(u"play tarvox repeat")).repeat);
+        QCOMPARE(errorOf(""), mcierr::MissingCommandString);
+        QCOMPARE(errorOf("rewind tarvox"), mcierr::UnrecognizedCommand);
+        QCOMPARE(errorOf("play tarvox backwards"), mcierr::UnrecognizedKeyword);
+        QCOMPARE(errorOf("put tarvox window at 0 0 x 5"), mcierr::BadInteger);
+        QCOMPARE(errorOf("open a.avi alias"), mcierr::MissingStringArgument);
+        QCOMPARE(errorOf("close"), mcierr::MissingParameter);
+    }
+
+    // An alias is opened once; commands for another are refused; a missing file opens nothing. The
+    // helper (here a stand-in that reads and ignores its commands) starts with the first video and ends
+    // soon after the last one closed.
+    void aliasesAndTheHelpersLife() {
+        MciMediaCommands media("/bin/cat", 50);
+        QCOMPARE(media.send("open \"/nonexistent/a.avi\" alias tarvox"), mcierr::FileNotFound);
+        QCOMPARE(media.send("play tarvox"), mcierr::InvalidDeviceName);
+        QVERIFY(!media.helperRunning());
+        QCOMPARE(media.send("open \"" + kVideo + "\" type AVIVideo alias tarvox parent 0 style 0"), 0);
+        QVERIFY(media.helperRunning());
+        QCOMPARE(media.send("open \"" + kVideo + "\" alias TARVOX"), mcierr::DuplicateAlias);
+        QCOMPARE(media.send("put tarvox window at 0 0 239 179"), 0);
+        QCOMPARE(media.send("close tarvox"), 0);
+        QCOMPARE(media.send("close tarvox"), mcierr::InvalidDeviceName); // harmless
+        QTRY_VERIFY(!media.helperRunning());
+        QCOMPARE(MciMediaCommands("/nonexistent/helper").send("open \"" + kVideo + "\" alias v"),
+                 mcierr::CannotLoadDriver);
+    }
+
+    // The real helper plays the video inside a window of this process: a child window appears there
+    // and its picture changes. A damaged file, and an installation without the AVI demuxer, show
+    // nothing, and this process goes on.
+    void theHelperPlaysInsideOurWindow() {
+        if (!haveX)
+            QSKIP("Xvfb is not installed or did not start");
+        QWidget host;
+        host.setGeometry(0, 0, 400, 300);
+        host.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&host));
+        const QString parent = QString::number(host.winId());
+        QTemporaryDir dir;
+        QVERIFY(writeFile(dir.filePath("damaged.avi"), readFile(kVideo).left(3000)));
+
+        MciMediaCommands media(TARVO_PROGRAM_DIR "/tarvovideo");
+        const auto play = [&](const QString& file) {
+            media.send("open \"" + file + "\" type AVIVideo alias tarvox parent " + parent +
+                       " style 1073741824");
+            media.send("put tarvox window at 0 0 319 239");
+            media.send("play tarvox repeat");
+        };
+        play(kVideo);
+        QTRY_COMPARE_WITH_TIMEOUT(mappedChildren(host.winId()), 1, 10000);
+        const auto picture = [&] { return host.screen()->grabWindow(0, 0, 0, 319, 239).toImage(); };
+        QTRY_VERIFY_WITH_TIMEOUT(picture().pixelColor(160, 120) != QColor(Qt::black), 10000);
+        const QImage first = picture();
+        QTRY_VERIFY_WITH_TIMEOUT(picture() != first, 5000);
+        media.send("close tarvox");
+        QTRY_COMPARE(mappedChildren(host.winId()), 0);
+
+        play(dir.filePath("damaged.avi"));
+        QTest::qWait(1500); // nothing is to appear: give the helper the time a good file needs
+        QCOMPARE(mappedChildren(host.winId()), 0);
+        media.send("close tarvox");
+
+        // GStreamer with no plugins at all.
+        qputenv("GST_PLUGIN_SYSTEM_PATH_1_0", QFile::encodeName(dir.path()));
+        qputenv("GST_REGISTRY_1_0", QFile::encodeName(dir.filePath("registry.bin")));
+        MciMediaCommands bare(TARVO_PROGRAM_DIR "/tarvovideo");
+        bare.send("open \"" + kVideo + "\" type AVIVideo alias tarvox parent " + parent +
+                  " style 1073741824");
+        bare.send("put tarvox window at 0 0 319 239");
+        bare.send("play tarvox repeat");
+        QTest::qWait(1500);
+        QCOMPARE(mappedChildren(host.winId()), 0);
+        QVERIFY(host.isVisible());
+    }
+};
+
+int main(int argc, char** argv) {
+    XvfbServer xvfb;
+    haveX = XvfbServer::installed() && !QStandardPaths::findExecutable("xwininfo").isEmpty() && xvfb.start();
+    if (haveX) {
+        qputenv("DISPLAY", xvfb.display());
+        qputenv("QT_QPA_PLATFORM", "xcb");
+    }
+    QApplication app(argc, argv);
+    TestMciMediaCommands test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_mcimediacommands.moc"
