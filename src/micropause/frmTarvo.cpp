@@ -1,7 +1,6 @@
 #include "micropause/frmTarvo.h"
 
 #include "engine/BreakEngine.h"
-#include "micropause/BlackCover.h"
 #include "micropause/BreakLayout.h"
 #include "micropause/PictureBox.h"
 #include "ui_frmTarvo.h"
@@ -56,10 +55,7 @@ frmTarvo::frmTarvo(QWidget* parent)
     applyBreakLayout(designedBreakLayout(), false);
 }
 
-frmTarvo::~frmTarvo() {
-    for (const QPointer<BlackCover>& cover : covers_)
-        delete cover.data();
-}
+frmTarvo::~frmTarvo() = default;
 
 void frmTarvo::attach(BreakEngine& engine) {
     engine_ = &engine;
@@ -128,15 +124,7 @@ void frmTarvo::presentBreak(bool blank) {
         setGeometry(screen->geometry());
         setWindowState(Qt::WindowFullScreen);
         Form_Resize();
-        for (QScreen* other : QGuiApplication::screens()) {
-            if (other == screen)
-                continue;
-            auto* cover = new BlackCover(other);
-            connect(cover, &BlackCover::escapePressed, this, &frmTarvo::cmdCancel_Click);
-            covers_.emplace_back(cover);
-            cover->show();
-            cover->raise();
-        }
+        covers_.cover(screen, *this);
     } else {
         setBackground(kPanel);
         setWindowState(Qt::WindowNoState);
@@ -158,10 +146,7 @@ void frmTarvo::presentBreak(bool blank) {
 
 void frmTarvo::dismissBreak() {
     releaseKeyboard();
-    for (const QPointer<BlackCover>& cover : covers_)
-        if (cover)
-            cover->close();
-    covers_.clear();
+    covers_.uncover();
     lower();
     hide();
     setWindowFlags(Qt::Window);
@@ -173,6 +158,20 @@ void frmTarvo::dismissBreak() {
     ui->cmdOK->show();
     ui->lblESC->hide();
     adjustSize();
+    // A hidden window keeps its backing store, as large as the screen after a blanked break, for
+    // the rest of the run. It goes once the event that ended the break is done with the window; the
+    // next break or the status panel creates it anew.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (!isVisible() && testAttribute(Qt::WA_WState_Created))
+                destroy();
+        },
+        Qt::QueuedConnection);
+}
+
+void frmTarvo::escapeOnCover() {
+    cmdCancel_Click();
 }
 
 void frmTarvo::cmdCancel_Click() {

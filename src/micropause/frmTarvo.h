@@ -1,13 +1,12 @@
 #pragma once
 
+#include "controls/ScreenCovers.h"
 #include "engine/MainView.h"
 #include "micropause/CProgressBar.h"
 
-#include <QPointer>
 #include <QWidget>
 
 #include <memory>
-#include <vector>
 
 QT_BEGIN_NAMESPACE
 namespace Ui {
@@ -17,7 +16,6 @@ QT_END_NAMESPACE
 
 namespace tarvo {
 
-class BlackCover;
 class BreakEngine;
 struct BreakLayout;
 
@@ -29,7 +27,7 @@ struct BreakLayout;
 // bar and the Esc hint, either centred on a black screen (with every other monitor blacked out too) or
 // on its own at its designed size, above every other window. What it shows and when is the engine's
 // decision (MainView); Esc and a double click on the hint go back to the engine.
-class frmTarvo : public QWidget, public MainView {
+class frmTarvo : public QWidget, public MainView, private BlackCover::Listener {
     Q_OBJECT
 
 public:
@@ -63,6 +61,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void escapeOnCover() override;
     void Form_Resize();
     void applyBreakLayout(const BreakLayout& layout, bool blank);
     void setBackground(const QColor& color);
@@ -70,7 +69,7 @@ private:
     std::unique_ptr<Ui::frmTarvo> ui;
     CProgressBar bar_;
     BreakEngine* engine_ = nullptr;
-    std::vector<QPointer<BlackCover>> covers_;
+    ScreenCovers covers_;
 };
 
 } // namespace tarvo

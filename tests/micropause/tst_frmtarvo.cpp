@@ -2,6 +2,7 @@
 // shows and hides its parts, the countdown bar is drawn, and Esc and the hint reach the engine.
 #include "core/RuntimeError.h"
 #include "engine/BreakEngine.h"
+#include "engine/ExerciseView.h"
 #include "engine/Warnings.h"
 #include "micropause/PictureBox.h"
 #include "micropause/frmTarvo.h"
@@ -16,12 +17,18 @@ using namespace tarvo;
 
 namespace {
 
-// What is heard and when is the engine's and the warnings' own tests' concern.
-struct SilentWarnings : Warnings {
+// What is heard and when, and the exercise breaks, are the engine's and their own tests' concern.
+struct Elsewhere : Warnings, ExerciseView {
     void AudibleWarningPre() override {}
     void AudibleWarning() override {}
     void AudibleWarningX() override {}
     void AudibleNotification() override {}
+    void showExercisePrompt() override {}
+    void preparePlayer() override {}
+    void setPlayerCaption(const QString&) override {}
+    void CloseVideo() override {}
+    void showExercise(const QString&, bool) override {}
+    void dismissPlayer() override {}
 };
 
 // Lit columns of the bar's picture: those in the bar's own colour.
@@ -36,9 +43,9 @@ int litColumns(const PictureBox* canvas) {
 
 // The main form and its engine on simulated time.
 struct FormRig : FakeContext {
-    SilentWarnings warnings;
+    Elsewhere elsewhere;
     frmTarvo form;
-    BreakEngine engine{ctx, form, warnings};
+    BreakEngine engine{ctx, form, elsewhere, elsewhere};
 
     FormRig() { form.attach(engine); }
     template <typename T>
@@ -96,6 +103,8 @@ private slots:
         QVERIFY(cmdOK->isVisibleTo(&form) && !lblESC->isVisibleTo(&form) && !picPB->isVisibleTo(&form));
         QCOMPARE(rig.child<QLabel>("lbltarvo")->text(), "Last tarvo micropause: 09:00");
         QVERIFY(!(form.windowFlags() & Qt::WindowStaysOnTopHint));
+        // The hidden screen gives its window, with a backing store as large as the screen, back.
+        QTRY_VERIFY(!form.testAttribute(Qt::WA_WState_Created));
 
         // At its own size the panel is the window; a double click on the hint ends the break too.
         settings.Blank = 0;

@@ -1,13 +1,14 @@
-#include "micropause/BlackCover.h"
+#include "controls/BlackCover.h"
 
 #include <QKeyEvent>
 #include <QScreen>
 
 namespace tarvo {
 
-BlackCover::BlackCover(QScreen* screen)
+BlackCover::BlackCover(QScreen* screen, Listener& listener)
     : QWidget(nullptr,
-              Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::BypassWindowManagerHint) {
+              Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::BypassWindowManagerHint)
+    , listener_(listener) {
     setObjectName(QStringLiteral("BlackCover"));
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_DeleteOnClose);
@@ -22,7 +23,7 @@ BlackCover::BlackCover(QScreen* screen)
 
 void BlackCover::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape)
-        emit escapePressed();
+        listener_.escapeOnCover();
     else
         QWidget::keyPressEvent(event);
 }

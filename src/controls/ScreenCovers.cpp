@@ -1,0 +1,40 @@
+#include "controls/ScreenCovers.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+namespace tarvo {
+
+ScreenCovers::~ScreenCovers() {
+    for (const QPointer<BlackCover>& cover : covers_)
+        delete cover.data();
+}
+
+void ScreenCovers::cover(QScreen* shown, BlackCover::Listener& listener) {
+    uncover();
+    for (QScreen* other : QGuiApplication::screens()) {
+        if (other == shown)
+            continue;
+        auto* cover = new BlackCover(other, listener);
+        covers_.emplace_back(cover);
+        cover->show();
+        cover->raise();
+    }
+}
+
+void ScreenCovers::uncover() {
+    for (const QPointer<BlackCover>& cover : covers_)
+        if (cover)
+            cover->close(); // deletes itself
+    covers_.clear();
+}
+
+std::vector<QWidget*> ScreenCovers::covers() const {
+    std::vector<QWidget*> up;
+    for (const QPointer<BlackCover>& cover : covers_)
+        if (cover)
+            up.push_back(cover.data());
+    return up;
+}
+
+} // namespace tarvo

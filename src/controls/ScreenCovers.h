@@ -1,0 +1,33 @@
+#pragma once
+
+#include "controls/BlackCover.h"
+
+#include <QPointer>
+
+#include <vector>
+
+class QScreen;
+
+namespace tarvo {
+
+// The black covers of one blanked window: every monitor but the window's own is covered while the
+// window shows.
+class ScreenCovers {
+public:
+    ScreenCovers() = default;
+    ~ScreenCovers();
+    ScreenCovers(const ScreenCovers&) = delete;
+    ScreenCovers& operator=(const ScreenCovers&) = delete;
+
+    // Covers every monitor but `shown`; an Esc typed on a cover goes to the listener. Covers that are
+    // up already are taken away first, so a window that shows again never stacks a second set.
+    void cover(QScreen* shown, BlackCover::Listener& listener);
+    void uncover();
+    // The covers up now (for tests).
+    std::vector<QWidget*> covers() const;
+
+private:
+    std::vector<QPointer<BlackCover>> covers_;
+};
+
+} // namespace tarvo
