@@ -11,33 +11,37 @@ namespace tarvo {
 
 class ActivityMonitor;
 class Clock;
+class FileDialog;
+class MediaCommands;
 class MessageBox;
+class RandomSource;
 class RegistryStore;
 class SoundPlayer;
 class TimerFactory;
 
-// What the running program shares: the operating-system seams that the engine and the forms use, and
-// the process-wide state (options, schedule, exercise table). Start-up creates one and hands it by
-// reference to whoever needs it; a test builds its own with fakes. (The seams that only start-up and
-// the tray use stay with the shell.)
-struct AppContext {
-    AppContext(RegistryStore& store_, const Clock& clock_, TimerFactory& timers_, ActivityMonitor& monitor_,
-               SoundPlayer& sound_, MessageBox& messages_, QString programFolder_)
-        : store(store_)
-        , clock(clock_)
-        , timers(timers_)
-        , monitor(monitor_)
-        , sound(sound_)
-        , messages(messages_)
-        , programFolder(std::move(programFolder_))
-        , settings(store_) {}
-
+// The operating-system seams that the engine and the forms use. (Those that only start-up and the tray
+// use stay with the shell.)
+struct Seams {
     RegistryStore& store;
     const Clock& clock;
     TimerFactory& timers;
     ActivityMonitor& monitor;
     SoundPlayer& sound;
     MessageBox& messages;
+    FileDialog& files;
+    MediaCommands& media;
+    RandomSource& random;
+};
+
+// What the running program shares: the seams, where the program's files are, and the process-wide
+// state (options, schedule, exercise table). Start-up creates one and hands it by reference to whoever
+// needs it; a test builds its own with fakes.
+struct AppContext : Seams {
+    AppContext(const Seams& seams, QString programFolder_)
+        : Seams(seams)
+        , programFolder(std::move(programFolder_))
+        , settings(store) {}
+
     const QString programFolder; // where the programs, tarvo32.reg and the media lie
 
     SettingsStore settings;

@@ -1,16 +1,16 @@
 #include "engine/BreakEngine.h"
 
-#include "core/Timer.h"
 #include "engine/AppContext.h"
 
 namespace tarvo {
 
-BreakEngine::BreakEngine(AppContext& ctx, MainView& view, Warnings& warnings)
+BreakEngine::BreakEngine(AppContext& ctx, MainView& view, ExerciseView& exerciseView, Warnings& warnings)
     : tMinutes_(ctx.timers.createTimer(*this))
     , tSeconds_(ctx.timers.createTimer(*this))
     , micropause_(ctx.record, ctx.schedule, *tSeconds_, warnings, view, ctx.clock)
     , scheduler_(ctx.record, ctx.schedule, ctx.clock, ctx.monitor, *tMinutes_, *tSeconds_, micropause_,
-                 warnings, view) {}
+                 exercise_, warnings, view, exerciseView)
+    , exercise_(ctx, *tMinutes_, *tSeconds_, scheduler_, exerciseView, view, warnings) {}
 
 BreakEngine::~BreakEngine() = default;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Timer.h"
+#include "engine/ExerciseSequencer.h"
 #include "engine/MicropauseBreak.h"
 #include "engine/Scheduler.h"
 
@@ -8,6 +9,7 @@
 
 namespace tarvo {
 
+class ExerciseView;
 class MainView;
 class Warnings;
 struct AppContext;
@@ -15,18 +17,19 @@ struct AppContext;
 // The display-free break engine: the two timers that drive everything (tMinutes once a minute;
 // tSeconds for the natural-pause check, the micropause's 100 ms steps and the exercise break's seconds),
 // the scheduler they drive and the breaks it hands over to. It talks to the screens through MainView
-// and to the speakers through Warnings; the forms forward their events to its parts.
+// and ExerciseView and to the speakers through Warnings; the forms forward their events to its parts.
 //
 // The timers stay off until start-up calls SetTimers.
 class BreakEngine : private Timer::Listener {
 public:
-    BreakEngine(AppContext& context, MainView& view, Warnings& warnings);
+    BreakEngine(AppContext& context, MainView& view, ExerciseView& exerciseView, Warnings& warnings);
     ~BreakEngine();
     BreakEngine(const BreakEngine&) = delete;
     BreakEngine& operator=(const BreakEngine&) = delete;
 
     Scheduler& scheduler() { return scheduler_; }
     MicropauseBreak& micropause() { return micropause_; }
+    ExerciseSequencer& exercise() { return exercise_; }
     Timer& tMinutes() { return *tMinutes_; }
     Timer& tSeconds() { return *tSeconds_; }
 
@@ -36,7 +39,8 @@ private:
     std::unique_ptr<Timer> tMinutes_;
     std::unique_ptr<Timer> tSeconds_;
     MicropauseBreak micropause_;
-    Scheduler scheduler_;
+    Scheduler scheduler_; // hands the exercise break's seconds to exercise_, built just after it
+    ExerciseSequencer exercise_;
 };
 
 } // namespace tarvo

@@ -4,6 +4,8 @@
 #include "core/Checked.h"
 #include "core/Clock.h"
 #include "core/Timer.h"
+#include "engine/ExerciseSequencer.h"
+#include "engine/ExerciseView.h"
 #include "engine/MainView.h"
 #include "engine/MicropauseBreak.h"
 #include "engine/SchedulerState.h"
@@ -22,7 +24,8 @@ constexpr std::int32_t kMinMinutesAfterApply = 2;
 
 Scheduler::Scheduler(const SettingsRecord& settings, SchedulerState& state, const Clock& clock,
                      ActivityMonitor& monitor, Timer& tMinutes, Timer& tSeconds, MicropauseBreak& micropause,
-                     Warnings& warnings, MainView& view)
+                     ExerciseSequencer& exercise, Warnings& warnings, MainView& view,
+                     ExerciseView& exerciseView)
     : settings_(settings)
     , state_(state)
     , clock_(clock)
@@ -30,8 +33,10 @@ Scheduler::Scheduler(const SettingsRecord& settings, SchedulerState& state, cons
     , tMinutes_(tMinutes)
     , tSeconds_(tSeconds)
     , micropause_(micropause)
+    , exercise_(exercise)
     , warnings_(warnings)
-    , view_(view) {}
+    , view_(view)
+    , exerciseView_(exerciseView) {}
 
 int Scheduler::naturalPauseInterval(const SettingsRecord& settings) {
     return checked::mul(settings.InterruptFor, std::int32_t{1000});
@@ -73,12 +78,13 @@ void Scheduler::tMinutes_Timer() {
     if (settings_.AudibleX)
         warnings_.AudibleWarningX();
     state_.ExercisePromptPending = true;
+    exerciseView_.showExercisePrompt();
 }
 
 void Scheduler::tSeconds_Timer() {
     if (state_.InExerciseBreak)
-        return; // the exercise break's own second, which its sequencer will count
-    if (state_.InMicropause)
+        exercise_.tick();
+    else if (state_.InMicropause)
         micropause_.breakTick();
     else
         checkNaturalPause();

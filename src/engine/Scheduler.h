@@ -6,6 +6,8 @@ namespace tarvo {
 
 class ActivityMonitor;
 class Clock;
+class ExerciseSequencer;
+class ExerciseView;
 class MainView;
 class MicropauseBreak;
 class Timer;
@@ -27,7 +29,7 @@ class Scheduler {
 public:
     Scheduler(const SettingsRecord& settings, SchedulerState& state, const Clock& clock,
               ActivityMonitor& monitor, Timer& tMinutes, Timer& tSeconds, MicropauseBreak& micropause,
-              Warnings& warnings, MainView& view);
+              ExerciseSequencer& exercise, Warnings& warnings, MainView& view, ExerciseView& exerciseView);
     Scheduler(const Scheduler&) = delete;
     Scheduler& operator=(const Scheduler&) = delete;
 
@@ -60,8 +62,10 @@ private:
     Timer& tMinutes_;
     Timer& tSeconds_;
     MicropauseBreak& micropause_;
+    ExerciseSequencer& exercise_;
     Warnings& warnings_;
     MainView& view_;
+    ExerciseView& exerciseView_;
 };
 
 } // namespace tarvo

@@ -53,13 +53,16 @@ int runTarvo(int& argc, char** argv) {
     LinuxPlatform platform;
     app.setMessageBox(&platform.messages());
     try {
-        AppContext ctx(platform.store(), platform.clock(), platform.timers(), platform.monitor(),
-                       platform.sound(), platform.messages(), platform.programFolder());
+        AppContext ctx({platform.store(), platform.clock(), platform.timers(), platform.monitor(),
+                        platform.sound(), platform.messages(), platform.files(), platform.media(),
+                        platform.random()},
+                       platform.programFolder());
         const QIcon icon = programIcon();
         QApplication::setWindowIcon(icon); // every window of the program carries it
         TarvoProgram program(ctx,
                              {platform.instance(), platform.tray(), platform.processes(),
-                              wholeArgumentText(argc, argv), qEnvironmentVariable("windir")},
+                              wholeArgumentText(argc, argv), qEnvironmentVariable("windir"),
+                              releaseFreedMemory},
                              icon);
         if (!program.Form_Load())
             return 0;

@@ -9,6 +9,7 @@
 #include "core/SingleInstance.h"
 #include "engine/AppContext.h"
 #include "engine/BreakEngine.h"
+#include "exercise/ExerciseScreens.h"
 #include "exercise/SchemeStore.h"
 #include "micropause/WarningSounds.h"
 #include "micropause/frmTarvo.h"
@@ -53,11 +54,14 @@ bool TarvoProgram::Form_Load() {
 
     warnings_ = std::make_unique<WarningSounds>(ctx_.record, ctx_.sound, ctx_.programFolder);
     form_ = std::make_unique<frmTarvo>();
-    engine_ = std::make_unique<BreakEngine>(ctx_, *form_, *warnings_);
+    exerciseScreens_ = std::make_unique<ExerciseScreens>(ctx_);
+    engine_ = std::make_unique<BreakEngine>(ctx_, *form_, *exerciseScreens_, *warnings_);
     form_->attach(*engine_);
-    // The options dialog and the exercise break bring their items with them.
+    exerciseScreens_->attach(engine_->exercise());
+    exerciseScreens_->setAfterBreak(shell_.releaseFreedMemory);
+    // The options dialog brings its item with it.
     TrayActions& actions = *this;
-    menu_ = std::make_unique<TrayMenu>(ctx_.settings, actions, TrayMenu::Offers{false, false});
+    menu_ = std::make_unique<TrayMenu>(ctx_.settings, actions, TrayMenu::Offers{false, true});
     hook_ = std::make_unique<TrayHook>(shell_.tray, *menu_, actions, TrayHook::screenTwipsPerPixelX());
     running_ = true;
     if (auto* version = form_->findChild<QLabel*>(QStringLiteral("lblVersion")))
@@ -76,6 +80,7 @@ bool TarvoProgram::Form_Load() {
 
     ctx_.schedule.ExercisePromptPending = false;
     loadAllSettings(ctx_.settings, ctx_.record, this);
+    engine_->exercise().ExercisesPerBreak = ctx_.record.NumAtaTime;
 
     engine_->scheduler().SetTimers();
     const std::int32_t now = ctx_.clock.tickCount();
@@ -120,6 +125,7 @@ void TarvoProgram::Form_Unload() {
     ctx_.monitor.InstallFilter(1, false);
     hook_->removeIcon();
     ctx_.settings.writeNumber(option("tray"), 0);
+    exerciseScreens_->CloseVideo();
     shell_.instance.release();
 }
 
@@ -162,7 +168,7 @@ void TarvoProgram::micropauseNow() {
 }
 
 void TarvoProgram::exerciseNow() {
-    // The exercise break is not there yet: its item is not in the menu.
+    engine_->exercise().exerciseNowFromTray();
 }
 
 void TarvoProgram::useScheme(const QString& name) {

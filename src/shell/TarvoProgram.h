@@ -6,12 +6,14 @@
 #include <QIcon>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 namespace tarvo {
 
 struct AppContext;
 class BreakEngine;
+class ExerciseScreens;
 class ProcessRunner;
 class SingleInstance;
 class TrayHook;
@@ -28,6 +30,7 @@ struct ShellContext {
     ProcessRunner& processes;
     QString commandLine; // the arguments joined by single blanks
     QString windir;      // the "windir" environment variable (normally unset here)
+    std::function<void()> releaseFreedMemory = [] {}; // after each exercise break
 };
 
 // The program's life: start-up (Form_Load), first-run initialisation and shut-down (Form_Unload), and
@@ -44,7 +47,7 @@ public:
     // at once (another instance runs and was signalled or reported, or "shutdown" with none running).
     bool Form_Load();
     // Shut-down, once however often it is asked for: input watching off, icon gone, "tray" back to "0",
-    // the instance lock given up.
+    // the exercise video closed, the instance lock given up.
     void Form_Unload();
     // Imports the shipped defaults and renders the built-in media, once per user.
     void FirstTimeInitialise();
@@ -55,6 +58,7 @@ public:
 
     frmTarvo& form() { return *form_; }
     BreakEngine& engine() { return *engine_; }
+    ExerciseScreens& exerciseScreens() { return *exerciseScreens_; }
     TrayMenu& menu() { return *menu_; }
 
 private:
@@ -78,6 +82,7 @@ private:
     QIcon icon_;
     std::unique_ptr<WarningSounds> warnings_;
     std::unique_ptr<frmTarvo> form_;
+    std::unique_ptr<ExerciseScreens> exerciseScreens_;
     std::unique_ptr<BreakEngine> engine_;
     std::unique_ptr<TrayMenu> menu_;
     std::unique_ptr<TrayHook> hook_;

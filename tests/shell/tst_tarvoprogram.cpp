@@ -83,6 +83,7 @@ private slots:
         QCOMPARE(rig.ctx.schedule.LastActivityTimes, (std::array<std::int32_t, 2>{1000, 1000}));
         QVERIFY(rig.tray.added() && !rig.program.form().isVisible());
         QCOMPARE(rig.ctx.exercises.CurrentScheme, "*Medium break");
+        QCOMPARE(rig.program.engine().exercise().ExercisesPerBreak, 6); // "NumAtaTime" at start-up
 
         QCOMPARE(rig.tray.tip(), "Tarvo Micropause");
 
@@ -95,6 +96,14 @@ private slots:
         QVERIFY(rig.program.form().isVisible() && rig.ctx.schedule.InMicropause);
         QVERIFY(rig.instance.deliverKeyDown(0));
         QCOMPARE(rig.tray.popUps().size(), size_t(2));
+        // "&Exercise Now!": the exercise warning, then a break with "NumAtaTime" read afresh (the
+        // store holds no exercises here, so the break ends before it shows anything).
+        rig.store.model().setValue("Exercise", "NumAtaTime", "3");
+        rig.tray.onPopUp = [&](QMenu& menu) { menu.findChild<QAction*>("mnuExercise")->trigger(); };
+        const auto beepsBefore = rig.sound.beeps();
+        rig.tray.deliver(0x205);
+        QVERIFY(rig.sound.beeps() > beepsBefore && !rig.ctx.schedule.InExerciseBreak);
+        QCOMPARE(rig.program.engine().exercise().ExercisesPerBreak, 3);
 
         // Shut-down (key code 99 from another start) undoes it, whatever the "Monitor" options said, and
         // only once.
@@ -104,6 +113,7 @@ private slots:
         QVERIFY(!rig.monitor.isOn(0) && !rig.monitor.isOn(1));
         QVERIFY(!rig.tray.added());
         QCOMPARE(rig.writtenKeys(), QStringList{"Options/tray=0"});
+        QCOMPARE(rig.media.commands().last(), "close tarvox");
         QVERIFY(!rig.instance.holdsLock() && !rig.instance.isListening());
     }
 

@@ -5,15 +5,19 @@
 #include "platform/fake/FakeClock.h"
 #include "platform/fake/ManualTimer.h"
 #include "platform/fake/MemoryRegistryStore.h"
+#include "platform/fake/RecordingMediaCommands.h"
 #include "platform/fake/RecordingSoundPlayer.h"
+#include "platform/fake/ScriptedFileDialog.h"
 #include "platform/fake/ScriptedMessageBox.h"
+#include "platform/fake/ScriptedRandom.h"
 
 // The application context on fakes only: the store in memory, a clock and timers that move only when
-// the test advances the timeline (from 09:00 on a Monday), made-up activity, recorded sounds and
-// pre-answered message boxes.
+// the test advances the timeline (from 09:00 on a Monday), made-up activity, recorded sounds and media
+// commands, pre-answered message boxes and file dialogs, and chosen random numbers.
 struct FakeContext {
     explicit FakeContext(QString programFolder = QStringLiteral("/opt/tarvo"))
-        : ctx(store, clock, timeline, monitor, sound, messages, std::move(programFolder)) {}
+        : ctx({store, clock, timeline, monitor, sound, messages, files, media, random},
+              std::move(programFolder)) {}
 
     tarvo::MemoryRegistryStore store;
     tarvo::FakeClock clock{1000, QDateTime(QDate(2026, 11, 23), QTime(9, 0))};
@@ -21,5 +25,8 @@ struct FakeContext {
     tarvo::FakeActivityMonitor monitor;
     tarvo::RecordingSoundPlayer sound;
     tarvo::ScriptedMessageBox messages;
+    tarvo::ScriptedFileDialog files;
+    tarvo::RecordingMediaCommands media;
+    tarvo::ScriptedRandom random;
     tarvo::AppContext ctx;
 };

@@ -1,0 +1,208 @@
+#include "engine/ExerciseSequencer.h"
+
+#include "core/Checked.h"
+#include "core/MessageBox.h"
+#include "core/RandomSource.h"
+#include "core/RuntimeError.h"
+#include "core/Timer.h"
+#include "core/VbConvert.h"
+#include "engine/AppContext.h"
+#include "engine/ExerciseView.h"
+#include "engine/MainView.h"
+#include "engine/Scheduler.h"
+#include "engine/Warnings.h"
+#include "settings/Options.h"
+
+#include <algorithm>
+
+namespace tarvo {
+
+ExerciseSequencer::ExerciseSequencer(AppContext& context, Timer& tMinutes, Timer& tSeconds,
+                                     Scheduler& scheduler, ExerciseView& view, MainView& mainView,
+                                     Warnings& warnings)
+    : ctx_(context)
+    , tMinutes_(tMinutes)
+    , tSeconds_(tSeconds)
+    , scheduler_(scheduler)
+    , view_(view)
+    , mainView_(mainView)
+    , warnings_(warnings) {}
+
+void ExerciseSequencer::ExerciseBreak() {
+    const ExerciseTable& table = ctx_.exercises;
+    const auto last = std::min<std::int64_t>(table.ExerciseCount, std::ssize(table.Exercises) - 1);
+    bool anyIncluded = false;
+    for (std::int64_t i = 1; i <= last && !anyIncluded; ++i)
+        anyIncluded = table.Exercises[static_cast<size_t>(i)].Include != 0;
+    if (!anyIncluded) {
+        scheduler_.SetTimers();
+        return;
+    }
+    ExercisesPlayed = 0;
+    tSeconds_.setEnabled(false);
+    tMinutes_.setEnabled(false);
+    tSeconds_.setInterval(1000);
+    view_.preparePlayer();
+    ctx_.schedule.InExerciseBreak = true;
+    // The first tick, a second from now, finds SecondsLeft below 0 and shows the first exercise.
+    tSeconds_.setEnabled(true);
+}
+
+void ExerciseSequencer::tick() {
+    SecondsLeft = checked::sub(SecondsLeft, std::int32_t{1});
+    if (SecondsLeft < 0)
+        LoadNextExercise();
+    else
+        UpdateExerciseCaption();
+}
+
+void ExerciseSequencer::LoadNextExercise() {
+    ExercisesPlayed = checked::add(ExercisesPlayed, std::int32_t{1});
+    if (ExercisesPlayed > ExercisesPerBreak) {
+        endBreak();
+        return;
+    }
+    view_.CloseVideo();
+    const std::int32_t count = ctx_.exercises.ExerciseCount;
+    if (SequencePhase == 1) {
+        if (ctx_.record.xStart == 0) {
+            ExerciseIndex = 0;
+        } else {
+            ctx_.random.Randomize();
+            ExerciseIndex = vb::toLong(static_cast<double>(ctx_.random.Rnd()) * count);
+        }
+        SequencePhase = 2;
+    }
+    if (SequencePhase == 2) {
+        if (ExerciseIndex > count)
+            ExerciseIndex = 0;
+        // The scheme may have changed under a running break (the tray's scheme list): with nothing
+        // left to show, the break ends.
+        if (!moveToIncluded(+1)) {
+            endBreak();
+            return;
+        }
+    } else if (SequencePhase == 0) {
+        SequencePhase = 1; // the title entry, at index 0 since start-up
+    }
+    SecondsLeft = ctx_.exercises.Exercises[static_cast<size_t>(ExerciseIndex)].Seconds;
+    UpdateExerciseCaption();
+    show(true);
+}
+
+void ExerciseSequencer::LoadPrevExercise() {
+    view_.CloseVideo();
+    ExercisesPlayed = checked::sub(ExercisesPlayed, std::int32_t{1});
+    if (!moveToIncluded(-1)) {
+        endBreak();
+        return;
+    }
+    SecondsLeft = ctx_.exercises.Exercises[static_cast<size_t>(ExerciseIndex)].Seconds;
+    UpdateExerciseCaption();
+    show(false); // the player is on top already
+}
+
+void ExerciseSequencer::UpdateExerciseCaption() {
+    const ExerciseRecord& e = ctx_.exercises.Exercises[static_cast<size_t>(ExerciseIndex)];
+    view_.setPlayerCaption(QStringLiteral("%1 (%2)").arg(e.Caption).arg(SecondsLeft));
+}
+
+bool ExerciseSequencer::moveToIncluded(int step) {
+    const ExerciseTable& table = ctx_.exercises;
+    const std::int32_t count = static_cast<std::int32_t>(
+        std::min<std::int64_t>(table.ExerciseCount, std::ssize(table.Exercises) - 1));
+    for (std::int32_t tried = 0; tried < count; ++tried) {
+        ExerciseIndex = checked::add(ExerciseIndex, static_cast<std::int32_t>(step));
+        if (ExerciseIndex > count)
+            ExerciseIndex = 1;
+        else if (ExerciseIndex < 1)
+            ExerciseIndex = count;
+        if (table.Exercises[static_cast<size_t>(ExerciseIndex)].Include != 0)
+            return true;
+    }
+    return false;
+}
+
+void ExerciseSequencer::show(bool topmost) {
+    view_.showExercise(ctx_.exercises.Exercises[static_cast<size_t>(ExerciseIndex)].File, topmost);
+}
+
+void ExerciseSequencer::endBreak() {
+    view_.CloseVideo();
+    ExercisesPerBreak = ctx_.settings.readNumber(option("NumAtaTime"));
+    ctx_.schedule.InExerciseBreak = false;
+    view_.dismissPlayer();
+    scheduler_.SetTimers();
+}
+
+void ExerciseSequencer::exerciseNowFromTray() {
+    ctx_.schedule.MinutesToExercise = 0;
+    if (ctx_.record.AudibleX)
+        warnings_.AudibleWarningX();
+    startNow();
+}
+
+void ExerciseSequencer::exerciseNowFromPrompt() {
+    ctx_.schedule.MinutesToExercise = 0;
+    startNow();
+}
+
+void ExerciseSequencer::startNow() {
+    mainView_.showExerciseStatus(QStringLiteral("Next Exercise Break: In Progress"));
+    ExercisesPerBreak = ctx_.settings.readNumber(option("NumAtaTime"));
+    ExerciseBreak();
+}
+
+QString ExerciseSequencer::promptLoaded() {
+    const QString minutes = ctx_.settings.readText(option("ProcrastinateM"));
+    ctx_.schedule.MinutesToExercise = vb::toLong(minutes);
+    return minutes;
+}
+
+void ExerciseSequencer::later(const QString& typedMinutes) {
+    const Option& postponement = option("ProcrastinateM");
+    std::int32_t minutes = postponement.numberDefault;
+    try {
+        minutes = vb::toLong(typedMinutes);
+    } catch (const RuntimeError&) { // NOLINT(bugprone-empty-catch): anything but a number is the default
+    }
+    minutes = std::min(minutes, postponement.clamp->max);
+    ctx_.settings.writeNumber(postponement, minutes);
+    ctx_.schedule.MinutesToExercise = minutes;
+}
+
+void ExerciseSequencer::promptUnloaded() {
+    ctx_.schedule.ExercisePromptPending = false;
+}
+
+void ExerciseSequencer::amx_Click() {
+    SecondsLeft = 0;
+}
+
+void ExerciseSequencer::amx_DblClick() {
+    ExercisesPlayed = ExercisesPerBreak;
+    view_.CloseVideo();
+    amx_Click();
+}
+
+void ExerciseSequencer::amx_KeyPressEsc() {
+    ExerciseIndex = ctx_.exercises.ExerciseCount;
+    amx_Click();
+}
+
+void ExerciseSequencer::togglePause() {
+    tSeconds_.setEnabled(!tSeconds_.isEnabled());
+}
+
+void ExerciseSequencer::askToQuit() {
+    tSeconds_.setEnabled(false);
+    const MessageBox::Answer answer = ctx_.messages.show(
+        QStringLiteral("Are you sure you want to quit the exercise break?"),
+        QStringLiteral("Tarvo Exercise Break"), MessageBox::Buttons::YesNo, MessageBox::Icon::Question);
+    // Always running again afterwards, also when the countdown had been paused before the question.
+    tSeconds_.setEnabled(true);
+    if (answer == MessageBox::Answer::Yes)
+        amx_DblClick();
+}
+
+} // namespace tarvo
