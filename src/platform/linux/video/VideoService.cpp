@@ -21,8 +21,7 @@ VideoService::VideoService()
     , canDemuxAvi_(QMediaFormat().supportedFileFormats(QMediaFormat::Decode).contains(QMediaFormat::AVI)) {
     connect(input_.get(), &QSocketNotifier::activated, this, &VideoService::readInput);
     reaper_.setSingleShot(true);
-    reaper_.setInterval(kReapAfterMs);
-    connect(&reaper_, &QTimer::timeout, this, &VideoService::reapRetired);
+    connect(&reaper_, &QTimer::timeout, this, [this] { retired_.clear(); });
 }
 
 VideoService::~VideoService() = default;
@@ -103,35 +102,31 @@ void VideoService::open(int id, unsigned long long parent, const QString& file) 
                     playIfLoaded(*device);
                 }
             });
-    connect(d.window->videoSink(), &QVideoSink::videoFrameChanged, this, [device](const QVideoFrame& frame) {
-        if (frame.isValid() && !device->framed) {
-            device->framed = true;
-            showIfReady(*device);
-        }
-    });
+    connect(d.window->videoSink(), &QVideoSink::videoFrameChanged, this,
+            [this, device](const QVideoFrame& frame) {
+                if (frame.isValid() && !device->framed) {
+                    device->framed = true;
+                    showIfReady(*device);
+                    reaper_.start(0);
+                }
+            });
     connect(d.player.get(), &QMediaPlayer::errorOccurred, this, [device] { device->window->hide(); });
     d.player->setSource(QUrl::fromLocalFile(file));
 }
 
 void VideoService::retire(std::unique_ptr<Device> device) {
-    // Taking a player down (stopping it, even only detaching its video output) blocks this thread for
-    // about 300 ms inside Qt Multimedia's GStreamer backend: done at once, that wait would stand
-    // between "next" and the next exercise's first picture. A closed video therefore only
-    // vanishes and pauses; it is taken down once no other video is open, when the wait costs nothing
-    // anyone can see, or when too many have piled up.
+    // Taking a player down (stopping it, even only deleting its video window) blocks this thread for
+    // about 300 ms inside Qt Multimedia's GStreamer backend, and each one kept costs some 3.5 MiB.
+    // Done at once, the wait would stand between "next" and the next exercise's first picture; so a
+    // closed video only vanishes and pauses, and is taken down once the next video's first picture
+    // is on the screen (where a short hold of that picture is hardly seen), or after a second when
+    // no other video came.
     QObject::disconnect(device->player.get(), nullptr, this, nullptr);
     QObject::disconnect(device->window->videoSink(), nullptr, this, nullptr);
     device->window->hide();
     device->player->pause();
     retired_.push_back(std::move(device));
-    if (retired_.size() > kMostRetired)
-        retired_.erase(retired_.begin());
-    reaper_.start();
-}
-
-void VideoService::reapRetired() {
-    if (devices_.empty())
-        retired_.clear();
+    reaper_.start(kReapAfterMs);
 }
 
 void VideoService::showIfReady(Device& d) {

@@ -46,14 +46,11 @@ private:
         QRect place;
     };
 
-    // Players kept, paused and hidden, after their close (see retire()): at most this many, taken
-    // down this long after the last close if no video is open by then.
-    static constexpr size_t kMostRetired = 3;
+    // How long a closed player is kept (see retire()) when no other video shows a picture first.
     static constexpr int kReapAfterMs = 1000;
 
     void readInput();
     void retire(std::unique_ptr<Device> device);
-    void reapRetired();
     void open(int id, unsigned long long parent, const QString& file);
     void playIfLoaded(Device& device);
     static void showIfReady(Device& device);
