@@ -1,14 +1,19 @@
 #include "platform/linux/LocalSingleInstance.h"
 
-#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
-#include <QLocalServer>
-#include <QLocalSocket>
 #include <QLockFile>
-#include <QPointer>
+#include <QSocketNotifier>
 
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 namespace tarvo {
@@ -17,7 +22,11 @@ namespace {
 
 // A key code is a short decimal number; a sender that writes more than this without a line end is
 // not one of ours and is cut off before it fills our memory.
-constexpr qint64 kMaxLineLength = 32;
+constexpr std::size_t kMaxLineLength = 32;
+
+// Connections that connect and then say nothing are not ours either; beyond this many waiting at
+// once, the oldest is cut off, so that such a sender cannot use up the instance's file descriptors.
+constexpr std::size_t kMaxWaitingConnections = 8;
 
 // The runtime folder is private to the user and cleared at log-out, so the names need nothing more.
 // The temporary folder is shared by all users: the user id in the names keeps two users' instances
@@ -29,11 +38,58 @@ QString namePrefix() {
     return QDir(QDir::tempPath()).filePath(QStringLiteral("tarvo-micropause-%1").arg(::getuid()));
 }
 
-int remainingMs(const QDeadlineTimer& deadline) {
-    return static_cast<int>(deadline.remainingTime());
+// The socket address of a path; false when the path does not fit into one.
+bool socketAddress(const QString& path, sockaddr_un& address) {
+    const QByteArray name = QFile::encodeName(path);
+    address = {};
+    address.sun_family = AF_UNIX;
+    if (name.isEmpty() || static_cast<std::size_t>(name.size()) >= sizeof address.sun_path)
+        return false;
+    std::memcpy(address.sun_path, name.constData(), static_cast<std::size_t>(name.size()));
+    return true;
 }
 
+// Waits until the socket is readable or the deadline passes; false on time-out.
+bool waitReadable(int fd, const QDeadlineTimer& deadline) {
+    for (;;) {
+        pollfd wanted{fd, POLLIN, 0};
+        const int result = ::poll(&wanted, 1, static_cast<int>(deadline.remainingTime()));
+        if (result >= 0)
+            return result > 0;
+        if (errno != EINTR)
+            return true; // let the read that follows report the failure
+    }
+}
+
+class FileDescriptor {
+public:
+    explicit FileDescriptor(int fd)
+        : fd_(fd) {}
+    ~FileDescriptor() {
+        if (fd_ >= 0)
+            ::close(fd_);
+    }
+    FileDescriptor(const FileDescriptor&) = delete;
+    FileDescriptor& operator=(const FileDescriptor&) = delete;
+    int get() const { return fd_; }
+
+private:
+    int fd_;
+};
+
 } // namespace
+
+// One sender's connection while its key code arrives. The socket closes with it.
+struct LocalSingleInstance::Connection {
+    explicit Connection(int socket)
+        : fd(socket)
+        , notifier(socket, QSocketNotifier::Read) {}
+
+    FileDescriptor fd;
+    QSocketNotifier notifier;
+    char line[kMaxLineLength] = {};
+    std::size_t size = 0;
+};
 
 LocalSingleInstance::LocalSingleInstance(int replyTimeoutMs)
     : replyTimeoutMs_(replyTimeoutMs) {}
@@ -70,92 +126,148 @@ bool LocalSingleInstance::previousInstance() {
 }
 
 std::int32_t LocalSingleInstance::handle() const {
-    return static_cast<std::int32_t>(QCoreApplication::applicationPid());
+    return static_cast<std::int32_t>(::getpid());
 }
 
 void LocalSingleInstance::listen(Listener& listener) {
     listener_ = &listener;
-    if (server_ && server_->isListening())
+    if (listenFd_ >= 0 || openListeningSocket())
         return;
-    if (!server_) {
-        server_ = std::make_unique<QLocalServer>();
-        server_->setSocketOptions(QLocalServer::UserAccessOption);
-        QObject::connect(server_.get(), &QLocalServer::newConnection, server_.get(), [this] { accept(); });
-    }
+    qWarning("Tarvo Micropause: cannot listen on %s: %s", qPrintable(socketPath(handle())),
+             std::strerror(errno));
+}
+
+bool LocalSingleInstance::openListeningSocket() {
     const QString path = socketPath(handle());
+    sockaddr_un address{};
+    if (!socketAddress(path, address)) {
+        errno = ENAMETOOLONG;
+        return false;
+    }
+    const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    if (fd < 0)
+        return false;
     // The name carries our own process id, so a file under it was left by a process that had the same
     // id before and is gone: it is ours to replace.
-    QLocalServer::removeServer(path);
-    if (!server_->listen(path))
-        qWarning("Tarvo Micropause: cannot listen on %s: %s", qPrintable(path),
-                 qPrintable(server_->errorString()));
+    ::unlink(address.sun_path);
+    // The socket file is created user-only from the start: in the shared temporary folder another
+    // user must not get in even for the moment between bind and chmod.
+    const mode_t savedMask = ::umask(077);
+    const bool bound = ::bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    ::umask(savedMask);
+    if (!bound || ::chmod(address.sun_path, 0600) != 0 || ::listen(fd, SOMAXCONN) != 0) {
+        const int error = errno;
+        ::close(fd);
+        errno = error;
+        return false;
+    }
+    listenFd_ = fd;
+    listenPath_ = path;
+    listenNotifier_ = std::make_unique<QSocketNotifier>(fd, QSocketNotifier::Read);
+    QObject::connect(listenNotifier_.get(), &QSocketNotifier::activated, listenNotifier_.get(),
+                     [this] { accept(); });
+    return true;
+}
+
+void LocalSingleInstance::closeListeningSocket() {
+    if (listenFd_ < 0)
+        return;
+    listenNotifier_.reset();
+    ::close(listenFd_);
+    listenFd_ = -1;
+    QFile::remove(listenPath_);
 }
 
 void LocalSingleInstance::accept() {
-    while (QLocalSocket* socket = server_->nextPendingConnection()) {
-        QObject::connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-        QObject::connect(socket, &QLocalSocket::readyRead, socket, [this, socket] { answer(socket); });
+    for (;;) {
+        const int fd = ::accept4(listenFd_, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+        if (fd < 0)
+            return; // nothing more waiting (or the sender gave up before we got to it)
+        if (connections_.size() >= kMaxWaitingConnections)
+            connections_.erase(connections_.begin());
+        auto connection = std::make_unique<Connection>(fd);
+        Connection* raw = connection.get();
+        QObject::connect(&raw->notifier, &QSocketNotifier::activated, &raw->notifier,
+                         [this, raw] { readFrom(raw); });
+        connections_.push_back(std::move(connection));
     }
 }
 
-void LocalSingleInstance::answer(QLocalSocket* socket) {
-    if (!socket->canReadLine()) {
-        if (socket->bytesAvailable() > kMaxLineLength)
-            socket->abort();
+std::unique_ptr<LocalSingleInstance::Connection> LocalSingleInstance::takeConnection(Connection* connection) {
+    const auto found = std::find_if(connections_.begin(), connections_.end(),
+                                    [connection](const auto& c) { return c.get() == connection; });
+    std::unique_ptr<Connection> taken = std::move(*found);
+    connections_.erase(found);
+    taken->notifier.setEnabled(false);
+    return taken;
+}
+
+void LocalSingleInstance::readFrom(Connection* connection) {
+    const ssize_t got = ::recv(connection->fd.get(), connection->line + connection->size,
+                               sizeof connection->line - connection->size, MSG_DONTWAIT);
+    if (got < 0 && (errno == EAGAIN || errno == EINTR))
+        return;
+    if (got <= 0) {
+        takeConnection(connection); // gone before its line was complete: closed unanswered
         return;
     }
-    // One key code per connection: whatever follows the line is ignored.
-    QObject::disconnect(socket, &QLocalSocket::readyRead, nullptr, nullptr);
+    connection->size += static_cast<std::size_t>(got);
+    const char* end = static_cast<const char*>(std::memchr(connection->line, '\n', connection->size));
+    if (end == nullptr) {
+        if (connection->size == sizeof connection->line)
+            takeConnection(connection);
+        return;
+    }
+    // One key code per connection: whatever follows the line is ignored. From here on the connection
+    // belongs to this call alone.
+    const std::unique_ptr<Connection> owned = takeConnection(connection);
     bool isNumber = false;
-    const int keyCode = socket->readLine().trimmed().toInt(&isNumber);
-    if (!isNumber) {
-        socket->abort();
+    const int keyCode = QByteArray::fromRawData(owned->line, static_cast<qsizetype>(end - owned->line))
+                            .trimmed()
+                            .toInt(&isNumber);
+    if (!isNumber)
         return;
-    }
-    // The listener may release() this instance (shut-down); the guard notices the socket going with it.
-    const QPointer<QLocalSocket> guard(socket);
     if (listener_)
         listener_->keyDown(keyCode);
-    if (!guard || guard->state() != QLocalSocket::ConnectedState)
-        return;
-    // flush() hands the answer to the kernel at once, so it reaches the sender even when the callback
-    // asked the event loop to end and the process is gone before the socket would next be serviced.
-    guard->write("ok\n");
-    guard->flush();
-    guard->disconnectFromServer();
+    // A sender that went away meanwhile gets nothing and costs nothing: no signal, no error.
+    static constexpr char kAnswer[] = "ok\n";
+    (void)::send(owned->fd.get(), kAnswer, sizeof kAnswer - 1, MSG_NOSIGNAL | MSG_DONTWAIT);
 }
 
 bool LocalSingleInstance::sendKeyDown(std::int32_t handle, int keyCode) {
-    if (handle <= 0)
+    sockaddr_un address{};
+    if (handle <= 0 || !socketAddress(socketPath(handle), address))
         return false;
     const QDeadlineTimer deadline(replyTimeoutMs_);
-    QLocalSocket socket;
-    // A missing socket, or one left by an instance that is gone, fails here at once.
-    socket.connectToServer(socketPath(handle));
-    if (!socket.waitForConnected(remainingMs(deadline)))
+    const FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    // A missing socket, a plain file, or one left by an instance that is gone fails here at once.
+    if (socket.get() < 0 ||
+        ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
         return false;
-    socket.write(QByteArray::number(keyCode) + '\n');
-    socket.flush();
-    while (socket.bytesToWrite() > 0) {
-        if (!socket.waitForBytesWritten(remainingMs(deadline)))
-            return false;
-    }
+    const QByteArray line = QByteArray::number(keyCode) + '\n';
+    if (::send(socket.get(), line.constData(), static_cast<std::size_t>(line.size()), MSG_NOSIGNAL) !=
+        line.size())
+        return false;
     // The instance has the key code. Wait for its answer; an instance that ends while handling the
     // code (shut-down) closes the connection without one, which ends the wait just as well.
-    while (!socket.canReadLine() && socket.state() == QLocalSocket::ConnectedState) {
-        if (!socket.waitForReadyRead(remainingMs(deadline)))
-            break;
+    char answer[8];
+    for (;;) {
+        if (!waitReadable(socket.get(), deadline)) {
+            qWarning("Tarvo Micropause: the running instance did not answer within %d ms", replyTimeoutMs_);
+            return true;
+        }
+        const ssize_t got = ::recv(socket.get(), answer, sizeof answer, 0);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0 || std::memchr(answer, '\n', static_cast<std::size_t>(got)) != nullptr)
+            return true;
     }
-    if (!socket.canReadLine() && socket.state() == QLocalSocket::ConnectedState)
-        qWarning("Tarvo Micropause: the running instance did not answer within %d ms", replyTimeoutMs_);
-    return true;
 }
 
 void LocalSingleInstance::release() {
     listener_ = nullptr;
-    // The server object stays until destruction: a connection being answered belongs to it.
-    if (server_)
-        server_->close();
+    closeListeningSocket();
+    connections_.clear();
     lock_.reset(); // unlocks and removes the lock file
 }
 

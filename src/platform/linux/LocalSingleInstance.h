@@ -5,14 +5,14 @@
 #include <QString>
 
 #include <memory>
+#include <vector>
 
-class QLocalServer;
-class QLocalSocket;
 class QLockFile;
+class QSocketNotifier;
 
 namespace tarvo {
 
-// Single instance through a lock file and a local socket, both in the user's runtime folder
+// Single instance through a lock file and a Unix socket, both in the user's runtime folder
 // ($XDG_RUNTIME_DIR; without one, the temporary folder with the user id in the names, since that
 // folder is shared by every user).
 //
@@ -22,8 +22,13 @@ namespace tarvo {
 //
 // The handle is the process id. The instance listens on the socket "tarvo-micropause-<handle>",
 // accessible to its own user only. A sender writes the key code as one decimal line; the instance
-// hands it to the callback and then answers "ok" on one line, which the sender waits for. All of the
-// instance's side runs on the user-interface thread, from its event loop.
+// hands it to the listener and then answers "ok" on one line, which the sender waits for.
+//
+// The instance's side is a plain socket under socket notifiers on the user-interface thread. A
+// connection is taken out of the watched set before its key code is handed on, so that whatever the
+// sender does meanwhile (it may be killed while the popped-up menu runs its own event loop) cannot
+// reach it: the answer goes to a socket that is still ours, and a sender that is gone simply misses it.
+// The sending side needs no event loop and no display: it blocks on the socket with a time limit.
 class LocalSingleInstance : public SingleInstance {
 public:
     // How long a sender waits for the answer before it gives up and ends anyway. The running
@@ -48,12 +53,20 @@ public:
     static QString socketPath(std::int32_t handle);
 
 private:
+    struct Connection;
+
+    bool openListeningSocket();
+    void closeListeningSocket();
     void accept();
-    void answer(QLocalSocket* socket);
+    void readFrom(Connection* connection);
+    std::unique_ptr<Connection> takeConnection(Connection* connection);
 
     int replyTimeoutMs_;
     std::unique_ptr<QLockFile> lock_;
-    std::unique_ptr<QLocalServer> server_;
+    int listenFd_ = -1;
+    QString listenPath_;
+    std::unique_ptr<QSocketNotifier> listenNotifier_;
+    std::vector<std::unique_ptr<Connection>> connections_;
     Listener* listener_ = nullptr;
 };
 
