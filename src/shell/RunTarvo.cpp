@@ -1,10 +1,15 @@
 #include "shell/RunTarvo.h"
 
 #include "core/ProgramInfo.h"
+#include "core/RegistryStore.h"
+#include "core/SingleInstance.h"
 #include "engine/AppContext.h"
 #include "platform/linux/LinuxPlatform.h"
+#include "settings/SettingsStore.h"
+#include "shell/DesktopRequired.h"
 #include "shell/FatalError.h"
 #include "shell/ProgramIcon.h"
+#include "shell/SecondStart.h"
 #include "shell/TarvoApplication.h"
 #include "shell/TarvoProgram.h"
 
@@ -12,6 +17,8 @@
 #include <QTextStream>
 
 #include <cstring>
+#include <memory>
+#include <optional>
 
 namespace tarvo {
 
@@ -32,6 +39,20 @@ QString wholeArgumentText(int argc, char** argv) {
     return words.join(QLatin1Char(' '));
 }
 
+// A shut-down needs no display: it only signals the running instance, if any. Returns false when the
+// start must go on with the desktop after all: an instance runs but cannot be reached yet, which the
+// user is told in a message box.
+bool shutDownRunningInstance() {
+    const std::unique_ptr<SingleInstance> instance = createSingleInstance();
+    const std::unique_ptr<RegistryStore> store = openUserStore();
+    SettingsStore settings(*store);
+    try {
+        return signalRunningInstance(*instance, settings, true) != RunningInstance::Starting;
+    } catch (const std::exception& e) {
+        endWithFatalError(e, nullptr);
+    }
+}
+
 } // namespace
 
 int runTarvo(int& argc, char** argv) {
@@ -45,11 +66,17 @@ int runTarvo(int& argc, char** argv) {
             return 0;
         }
     }
+    const QString commandLine = wholeArgumentText(argc, argv);
+    if (isShutdownRequest(commandLine) && shutDownRunningInstance())
+        return 0;
+
     // The program draws nothing with OpenGL; Qt's GL integration would cost memory for nothing.
     if (qEnvironmentVariableIsEmpty("QT_XCB_GL_INTEGRATION"))
         qputenv("QT_XCB_GL_INTEGRATION", "none");
 
+    std::optional<DesktopRequired> desktopRequired(std::in_place);
     TarvoApplication app(argc, argv);
+    desktopRequired.reset();
     LinuxPlatform platform;
     app.setMessageBox(&platform.messages());
     try {
@@ -60,9 +87,8 @@ int runTarvo(int& argc, char** argv) {
         const QIcon icon = programIcon();
         QApplication::setWindowIcon(icon); // every window of the program carries it
         TarvoProgram program(ctx,
-                             {platform.instance(), platform.tray(), platform.processes(),
-                              wholeArgumentText(argc, argv), qEnvironmentVariable("windir"),
-                              releaseFreedMemory},
+                             {platform.instance(), platform.tray(), platform.processes(), commandLine,
+                              qEnvironmentVariable("windir"), releaseFreedMemory},
                              icon);
         if (!program.Form_Load())
             return 0;

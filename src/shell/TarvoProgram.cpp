@@ -15,6 +15,7 @@
 #include "micropause/frmTarvo.h"
 #include "settings/LoadAndCommit.h"
 #include "settings/Options.h"
+#include "shell/SecondStart.h"
 #include "shell/TrayHook.h"
 #include "shell/TrayMenu.h"
 
@@ -35,23 +36,31 @@ TarvoProgram::TarvoProgram(AppContext& context, ShellContext shell, QIcon icon)
 TarvoProgram::~TarvoProgram() = default;
 
 bool TarvoProgram::Form_Load() {
-    const bool shutdownRequested = shell_.commandLine.toLower() == QLatin1String("shutdown");
-
-    // The window searches of the classic program never found anything; the instance lock is what
-    // tells that another instance runs.
-    if (shell_.instance.previousInstance()) {
-        const std::int32_t tray = ctx_.settings.readNumber(option("tray"));
-        if (tray == 0) {
-            ctx_.messages.show(QStringLiteral("Tarvo Micropause is already running in the System Tray"),
-                               QStringLiteral("Tarvo"), MessageBox::Buttons::Ok);
-            return false;
-        }
-        shell_.instance.sendKeyDown(tray, shutdownRequested ? SingleInstance::kShutdownKey : 0);
+    const bool shutdownRequested = isShutdownRequest(shell_.commandLine);
+    switch (signalRunningInstance(shell_.instance, ctx_.settings, shutdownRequested)) {
+    case RunningInstance::Starting:
+        ctx_.messages.show(QStringLiteral("Tarvo Micropause is already running in the System Tray"),
+                           QStringLiteral("Tarvo"), MessageBox::Buttons::Ok);
         return false;
+    case RunningInstance::Signalled:
+        return false;
+    case RunningInstance::None:
+        break;
     }
     if (shutdownRequested)
         return false; // nothing runs that could be shut down, and nothing is written
+    try {
+        startRunning();
+    } catch (...) {
+        // The error ends the program, but its message box runs an event loop first: a second start
+        // meanwhile must find nobody listening rather than a listener that is being torn down.
+        shell_.instance.release();
+        throw;
+    }
+    return true;
+}
 
+void TarvoProgram::startRunning() {
     warnings_ = std::make_unique<WarningSounds>(ctx_.record, ctx_.sound, ctx_.programFolder);
     form_ = std::make_unique<frmTarvo>();
     exerciseScreens_ = std::make_unique<ExerciseScreens>(ctx_);
@@ -90,7 +99,6 @@ bool TarvoProgram::Form_Load() {
     form_->hide();
 
     ctx_.settings.write(option("AppPath"), ctx_.programFolder);
-    return true;
 }
 
 void TarvoProgram::FirstTimeInitialise() {

@@ -62,6 +62,9 @@ public:
     TrayMenu& menu() { return *menu_; }
 
 private:
+    // Start-up once this is the running instance: the forms, the tray, the options, the timers.
+    void startRunning();
+
     // Start-up's steps among the reads of the options, and Apply's scheme save.
     void schemeRead(const QString& scheme) override;
     void warningRead(const QString& warning) override;

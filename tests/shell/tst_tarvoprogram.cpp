@@ -188,6 +188,7 @@ private slots:
         QVERIFY(e && e->number() == vberr::TypeMismatch && e->context().contains("NumAtaTime"));
         QCOMPARE(rig.writtenKeys(), QStringList{"Options/tray=4242"}); // only what start-up writes first
         QVERIFY(!rig.monitor.isOn(0) && !rig.monitor.isOn(1));
+        QVERIFY(!rig.instance.isListening()); // the error box's own event loop answers nobody
 
         // Keyboard watching off in the options: only the mouse is watched.
         rig.store.model().setValue("Exercise", "NumAtaTime", "6");

@@ -34,6 +34,10 @@ std::unique_ptr<RegistryStore> openUserStore() {
     return std::make_unique<FileRegistryStore>(FileRegistryStore::defaultPath());
 }
 
+std::unique_ptr<SingleInstance> createSingleInstance() {
+    return std::make_unique<LocalSingleInstance>();
+}
+
 void releaseFreedMemory() {
     malloc_trim(0);
 }

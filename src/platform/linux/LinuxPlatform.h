@@ -28,6 +28,10 @@ QString programFolder();
 // The user's settings store at its place ($XDG_CONFIG_HOME/tarvo/registry.reg).
 std::unique_ptr<RegistryStore> openUserStore();
 
+// The single-instance seam alone: a start that only signals the running instance (shut-down) needs
+// nothing else, and no display.
+std::unique_ptr<SingleInstance> createSingleInstance();
+
 // Hands the memory that the allocator holds free back to the system: after a break, whose windows
 // and pictures leave the heap with free pages that it would otherwise keep for the whole run.
 void releaseFreedMemory();

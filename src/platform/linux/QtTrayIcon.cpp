@@ -54,7 +54,12 @@ void QtTrayIcon::add(const QIcon& icon, const QString& tip, Listener& listener) 
         standIn_->setWindowTitle(tip_);
     }
     if (!watcher_) {
-        if (auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>(); x11 != nullptr) {
+        // Only Qt's X11 platform has a connection to watch the tray host on; other platforms may still
+        // answer for the X11 interface (the offscreen one does, without a connection).
+        auto* x11 = QGuiApplication::platformName() == QLatin1String("xcb")
+                        ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>()
+                        : nullptr;
+        if (x11 != nullptr && x11->connection() != nullptr) {
             watcher_ = std::make_unique<X11TrayHostWatcher>(x11->connection());
             connect(watcher_.get(), &X11TrayHostWatcher::hostChanged, this, &QtTrayIcon::placeIcon);
         }

@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# The real program where there is no display to show windows on: "tarvo shutdown" still works (and
+# writes nothing when none runs), any other start ends with one line and exit status 1, and on Qt's
+# offscreen platform the program runs without touching X11 and ends on "tarvo shutdown".
+#   test_without_display.sh <program folder>
+set -euo pipefail
+bin=$1
+. "$(dirname "$0")/lib.sh"
+unset DISPLAY WAYLAND_DISPLAY
+
+"$bin/tarvo" shutdown || fail "\"tarvo shutdown\" with none running ended with status $?"
+[ ! -e "$store" ] || fail "\"tarvo shutdown\" with none running wrote the settings"
+
+status=0
+"$bin/tarvo" 2>"$work/nodisplay.err" || status=$?
+[ "$status" = 1 ] || fail "a start without a display ended with status $status"
+[ "$(wc -l <"$work/nodisplay.err")" = 1 ] && grep -q '^Tarvo Micropause needs a graphical desktop: ' "$work/nodisplay.err" ||
+    fail "a start without a display said: $(cat "$work/nodisplay.err")"
+
+QT_QPA_PLATFORM=offscreen start_tarvo
+"$bin/tarvo" shutdown || fail "\"tarvo shutdown\" without a display ended with status $?"
+wait_for 100 sh -c "! kill -0 $tarvo" || fail "the running instance did not end on \"tarvo shutdown\""
+wait "$tarvo" || fail "the offscreen instance ended with status $?"
+grep -q '"tray"="0"' "$store" || fail "shut-down left \"tray\" set"
+echo PASS
