@@ -114,9 +114,11 @@ void frmTarvo::presentBreak(bool blank) {
         screen = QGuiApplication::primaryScreen();
     const BreakLayout layout = blank ? breakLayoutFor(screen->geometry().size()) : designedBreakLayout();
     applyBreakLayout(layout, blank);
-    // Flags change only while the form is hidden; a visible window would be re-created.
-    if (!isVisible())
-        setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+    // The status panel may be open as an ordinary window: changing the flags hides and re-creates it,
+    // and it is shown again below as the break.
+    const Qt::WindowFlags breakFlags = Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
+    if (windowFlags() != breakFlags)
+        setWindowFlags(breakFlags);
     setScreen(screen);
     if (blank) {
         setBackground(Qt::black);
@@ -138,9 +140,12 @@ void frmTarvo::presentBreak(bool blank) {
     ui->picBlack->show();
     raise();
     activateWindow();
-    // Esc must reach the break even when the window manager keeps the focus elsewhere; the grab ends
-    // with the break, and the window the user was typing in has the keyboard again.
-    grabKeyboard();
+    // A blanked break covers every screen, and Esc must reach it even when the window manager keeps
+    // the focus elsewhere; the grab ends with the break, and the window the user was typing in has the
+    // keyboard again. A break at its own size leaves the rest of the desktop usable: it takes the
+    // focus, and a click into another window takes it back.
+    if (blank)
+        grabKeyboard();
     repaint();
 }
 

@@ -11,6 +11,7 @@
 
 #include <QLabel>
 #include <QPushButton>
+#include <QTemporaryFile>
 #include <QtTest>
 
 using namespace tarvo;
@@ -30,6 +31,14 @@ struct Elsewhere : Warnings, ExerciseView {
     void showExercise(const QString&, bool) override {}
     void dismissPlayer() override {}
 };
+
+// The black covers shown over the screens other than the break's.
+int coversShown() {
+    int n = 0;
+    for (const QWidget* w : QApplication::topLevelWidgets())
+        n += w->inherits("tarvo::BlackCover") && w->isVisible() ? 1 : 0;
+    return n;
+}
 
 // Lit columns of the bar's picture: those in the bar's own colour.
 int litColumns(const PictureBox* canvas) {
@@ -125,6 +134,30 @@ private slots:
         QVERIFY(!rig.ctx.schedule.InMicropause);
     }
 
+    // A break over the open status panel is frameless and on top all the same; a second blanked break
+    // while one runs covers the other screen once; a break at its own size does not hold the keyboard.
+    void aBreakOverWhatWasOpen() {
+        FormRig rig;
+        frmTarvo& form = rig.form;
+        rig.engine.scheduler().SetTimers();
+        form.show(); // "Status..."
+        QVERIFY(QTest::qWaitForWindowExposed(&form));
+        for (int i = 0; i < 2; ++i)
+            rig.engine.micropause().TarvoMicropause();
+        QVERIFY(form.isVisible() && form.windowFlags().testFlag(Qt::FramelessWindowHint) &&
+                form.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+        QCOMPARE(coversShown(), 1);
+        QCOMPARE(QWidget::keyboardGrabber(), &form);
+        QTest::keyClick(&form, Qt::Key_Escape);
+        rig.timeline.advance(100);
+        QCOMPARE(coversShown(), 0);
+        QVERIFY(!QWidget::keyboardGrabber());
+
+        rig.ctx.record.Blank = 0;
+        rig.engine.micropause().TarvoMicropause();
+        QVERIFY(form.isVisible() && !QWidget::keyboardGrabber());
+    }
+
     // A break of 0 seconds asks the form's bar for a maximum of 0, which it refuses with its own error
     // before anything is shown.
     void aZeroLengthIsTheBarsError() {
@@ -138,5 +171,17 @@ private slots:
     }
 };
 
-QTEST_MAIN(TestFrmTarvo)
+// Two screens side by side, so that a blanked break has a screen to cover besides its own.
+int main(int argc, char** argv) {
+    QTemporaryFile screens;
+    if (!screens.open())
+        return 1;
+    screens.write(R"({"screens": [{"name": "left", "x": 0, "y": 0, "width": 1024, "height": 768},
+                                  {"name": "right", "x": 1024, "y": 0, "width": 800, "height": 600}]})");
+    screens.flush();
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + QFile::encodeName(screens.fileName()));
+    QApplication app(argc, argv);
+    TestFrmTarvo test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tst_frmtarvo.moc"
