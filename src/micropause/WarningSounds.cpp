@@ -42,7 +42,13 @@ void WarningSounds::AudibleNotification() {
     player_.beep();
 }
 
-QString WarningSounds::soundFile(const QString& path) const {
+QString WarningSounds::soundFile(const QString& stored) const {
+    // Settings brought from Windows write folders with "\" and may start with a drive: "\" is a folder
+    // separator here as well, and a drive letter stands for the root of the one file system.
+    QString path = stored;
+    path.replace(u'\\', u'/');
+    if (path.size() >= 3 && path[0].isLetter() && path[1] == u':' && path[2] == u'/')
+        path.remove(0, 2);
     // Anything with a folder in it, absolute or not, is taken as it stands. A name stored without
     // one came with the program (or was put beside it), so it is looked for there and not in
     // whatever folder the program happened to be started from. A file that is not there is silence.

@@ -35,7 +35,7 @@ public:
     void AudibleNotification() override;
 
     // The file a stored sound path names.
-    QString soundFile(const QString& path) const;
+    QString soundFile(const QString& stored) const;
 
 private:
     void beeps(int count, int pauseMs);

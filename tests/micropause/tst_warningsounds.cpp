@@ -45,15 +45,17 @@ private slots:
         }
     }
 
-    // A bare name (even a blank or a Windows path) is looked up in the program folder; a path with a
-    // "/" is taken as it is.
+    // A bare name (even a blank) is looked up in the program folder; a path with a folder is taken as
+    // it is, a "\\" being a folder separator too and a drive letter the root.
     void whereAStoredPathPoints() {
         const std::pair<const char*, const char*> cases[] = {
             {"ding.wav", "/opt/tarvo/ding.wav"},
             {"/home/u/ding.wav", "/home/u/ding.wav"},
             {"snd/ding.wav", "snd/ding.wav"},
             {" ", "/opt/tarvo/ "},
-            {"C:\\Media\\ding.wav", "/opt/tarvo/C:\\Media\\ding.wav"},
+            {"C:\\Media\\ding.wav", "/Media/ding.wav"},
+            {"sub\\beep.wav", "sub/beep.wav"},
+            {"C:ding.wav", "/opt/tarvo/C:ding.wav"},
         };
         for (const auto& [stored, played] : cases) {
             SettingsRecord settings;
