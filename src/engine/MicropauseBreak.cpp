@@ -43,6 +43,12 @@ void MicropauseBreak::TarvoMicropause() {
     view_.presentBreak(settings_.Blank != 0);
 }
 
+void MicropauseBreak::cutShort() {
+    CountdownBar& bar = view_.countdownBar();
+    if (state_.InMicropause && bar.Value() < checked::sub(bar.Max(), std::int32_t{3}))
+        bar.setValue(checked::sub(bar.Max(), std::int32_t{1}));
+}
+
 void MicropauseBreak::breakTick() {
     CountdownBar& bar = view_.countdownBar();
     bar.setValue(checked::add(bar.Value(), std::int32_t{1}));

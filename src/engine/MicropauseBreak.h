@@ -28,6 +28,9 @@ public:
     // Esc, or a double click on the hint: unless Esc is disabled, the next tick ends the break the
     // ordinary way, status text and end sound included.
     void cmdCancel_Click();
+    // Before the options dialog opens: a running break more than 3 steps from its end is brought to
+    // its last step, so that it ends at the next tick and the options are never edited during one.
+    void cutShort();
 
 private:
     const SettingsRecord& settings_;

@@ -113,7 +113,7 @@ void Scheduler::checkNaturalPause() {
         state_.MinutesToMicropause = state_.MicropauseReload;
 }
 
-void Scheduler::ApplyOptions() {
+void Scheduler::ApplyMicropauseOptions() {
     tSeconds_.setEnabled(false);
     tSeconds_.setInterval(naturalPauseInterval(settings_));
     tSeconds_.setEnabled(true);
@@ -123,7 +123,9 @@ void Scheduler::ApplyOptions() {
     if (state_.MinutesToMicropause < kMinMinutesAfterApply)
         state_.MinutesToMicropause = kMinMinutesAfterApply;
     state_.MicropauseReload = settings_.InterruptEvery;
+}
 
+void Scheduler::ApplyExerciseOptions() {
     if (state_.MinutesToExercise > settings_.EveryM)
         state_.MinutesToExercise = settings_.EveryM;
 }

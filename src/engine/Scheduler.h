@@ -42,11 +42,14 @@ public:
     void tMinutes_Timer();
     void tSeconds_Timer();
 
-    // The options dialog's Apply, once the new InterruptFor, InterruptEvery and EveryM are in the
-    // record. The schedule keeps running rather than restarting: tSeconds gets the new check interval,
-    // the minutes to the next micropause move by the change of interval but never come closer than 2,
-    // and the minutes to the next exercise prompt are lowered to the new interval, never raised.
-    void ApplyOptions();
+    // The options dialog's Apply, in two steps; the schedule keeps running rather than restarting.
+    // Once the new InterruptFor and InterruptEvery are in the record: tSeconds gets the new check
+    // interval, and the minutes to the next micropause move by the change of interval but never come
+    // closer than 2.
+    void ApplyMicropauseOptions();
+    // Once the new EveryM is in the record: the minutes to the next exercise prompt are lowered to
+    // the new interval, never raised.
+    void ApplyExerciseOptions();
 
     // The tSeconds interval between breaks: InterruptFor seconds, in milliseconds.
     static int naturalPauseInterval(const SettingsRecord& settings);

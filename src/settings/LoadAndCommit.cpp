@@ -3,6 +3,8 @@
 #include "settings/Options.h"
 #include "settings/SettingsPort.h"
 
+#include <optional>
+
 namespace tarvo {
 
 void loadAllSettings(SettingsStore& settings, SettingsRecord& record, SettingsPort* port) {
@@ -33,10 +35,21 @@ void loadAllSettings(SettingsStore& settings, SettingsRecord& record, SettingsPo
     }
 }
 
-void commitSettings(SettingsStore& settings, const SettingsRecord& record, SettingsPort* port) {
+namespace {
+
+CommitGroup groupOf(const Option& o) {
+    if (QLatin1String(o.section) == QLatin1String("Micropause"))
+        return CommitGroup::Micropause;
+    return o.commitRank >= option("Scheme").commitRank ? CommitGroup::Scheme : CommitGroup::Exercise;
+}
+
+void commitRows(SettingsStore& settings, const SettingsRecord& record, SettingsPort* port,
+                const std::optional<CommitGroup>& group) {
     StoreBatch batch(settings.store());
     SettingsRecord fields = record; // the table's accessors reach fields of a record they may change
     for (const Option* o : commitOrder()) {
+        if (group && groupOf(*o) != *group)
+            continue;
         if (o->step == OptionStep::Scheme && port)
             port->saveScheme();
         if (o->text)
@@ -45,6 +58,17 @@ void commitSettings(SettingsStore& settings, const SettingsRecord& record, Setti
             settings.writeNumber(*o, o->number(fields));
     }
     batch.finish();
+}
+
+} // namespace
+
+void commitSettings(SettingsStore& settings, const SettingsRecord& record, SettingsPort* port) {
+    commitRows(settings, record, port, std::nullopt);
+}
+
+void commitSettings(SettingsStore& settings, const SettingsRecord& record, SettingsPort* port,
+                    CommitGroup group) {
+    commitRows(settings, record, port, group);
 }
 
 } // namespace tarvo

@@ -16,4 +16,14 @@ void loadAllSettings(SettingsStore& settings, SettingsRecord& record, SettingsPo
 // saves the edited scheme between "ViewAm" and "Scheme".
 void commitSettings(SettingsStore& settings, const SettingsRecord& record, SettingsPort* port = nullptr);
 
+// Apply's writes fall into three groups, in this order: the micropause options, the other exercise
+// options, and the scheme's name with the cycler's options. Apply takes the fields of one group from
+// the dialog and writes the group before it reads the next, so that a field of a later group that
+// cannot be read stops Apply with the earlier groups safely in the store.
+enum class CommitGroup { Micropause, Exercise, Scheme };
+
+// Writes one group of options in Apply's order, as one durable update.
+void commitSettings(SettingsStore& settings, const SettingsRecord& record, SettingsPort* port,
+                    CommitGroup group);
+
 } // namespace tarvo

@@ -121,11 +121,6 @@ void TarvoProgram::FirstTimeInitialise() {
     ctx_.settings.write(option("Initialised"), QStringLiteral("1"));
 }
 
-void TarvoProgram::commitOptions() {
-    commitSettings(ctx_.settings, ctx_.record, this);
-    engine_->scheduler().ApplyOptions();
-}
-
 void TarvoProgram::Form_Unload() {
     if (!std::exchange(running_, false))
         return;
@@ -148,11 +143,6 @@ void TarvoProgram::warningRead(const QString& warning) {
 void TarvoProgram::monitorRead(int channel, std::int32_t on) {
     if (on != 0)
         ctx_.monitor.InstallFilter(channel, true);
-}
-
-void TarvoProgram::saveScheme() {
-    const ExerciseTable& table = ctx_.exercises;
-    SaveScheme(ctx_.settings, table.CurrentScheme, table.Exercises, table.ExerciseCount);
 }
 
 void TarvoProgram::LoadMeUp() {

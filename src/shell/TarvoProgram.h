@@ -51,10 +51,6 @@ public:
     void Form_Unload();
     // Imports the shipped defaults and renders the built-in media, once per user.
     void FirstTimeInitialise();
-    // Apply in the options dialog: every option of the record written in order, the exercise table
-    // saved under the current scheme's name on the way, then the running countdowns moved to the new
-    // intervals.
-    void commitOptions();
 
     frmTarvo& form() { return *form_; }
     BreakEngine& engine() { return *engine_; }
@@ -65,11 +61,10 @@ private:
     // Start-up once this is the running instance: the forms, the tray, the options, the timers.
     void startRunning();
 
-    // Start-up's steps among the reads of the options, and Apply's scheme save.
+    // Start-up's steps among the reads of the options.
     void schemeRead(const QString& scheme) override;
     void warningRead(const QString& warning) override;
     void monitorRead(int channel, std::int32_t on) override;
-    void saveScheme() override;
 
     // The tray menu's items.
     void LoadMeUp() override;

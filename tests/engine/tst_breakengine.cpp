@@ -133,14 +133,20 @@ private slots:
         QCOMPARE(rig.bar.value, 1);
         QCOMPARE(rig.ticksUntilOver(), 149);
 
-        // With Esc disabled (by either switch, merged at load) the hint stays hidden and Esc does nothing.
+        // With Esc disabled (by either switch, merged at load) the hint stays hidden and Esc does nothing;
+        // the options dialog still cuts a break short that is more than 3 steps from its end.
         rig.settings.DisableEsc = 1;
         rig.log.clear();
         micropause.TarvoMicropause();
         QCOMPARE(rig.log.first(), "0 micropause esc=0");
         micropause.cmdCancel_Click();
         QCOMPARE(rig.bar.value, 1);
-        QCOMPARE(rig.ticksUntilOver(), 149);
+        micropause.cutShort();
+        QCOMPARE(rig.ticksUntilOver(), 1);
+        micropause.TarvoMicropause();
+        rig.bar.value = 147;
+        micropause.cutShort();
+        QCOMPARE(rig.ticksUntilOver(), 3);
     }
 
     // 09:00 to 17:00 with the default options: busy all morning, away for lunch from 12:00 to 13:00,
@@ -183,7 +189,8 @@ private slots:
             rig.settings.InterruptFor = 20;
             rig.settings.InterruptEvery = c[2];
             rig.settings.EveryM = c[5];
-            rig.engine.scheduler().ApplyOptions();
+            rig.engine.scheduler().ApplyMicropauseOptions();
+            rig.engine.scheduler().ApplyExerciseOptions();
             QCOMPARE(rig.state.MinutesToMicropause, c[3]);
             QCOMPARE(rig.state.MicropauseReload, c[2]);
             QCOMPARE(rig.state.MinutesToExercise, c[6]);
@@ -205,7 +212,7 @@ private slots:
         QVERIFY_THROWS_EXCEPTION(RuntimeError, tMinutes.fire());
         rig.state.MinutesToMicropause = INT32_MAX;
         rig.settings.InterruptEvery = rig.state.MicropauseReload + 1;
-        QVERIFY_THROWS_EXCEPTION(RuntimeError, rig.engine.scheduler().ApplyOptions());
+        QVERIFY_THROWS_EXCEPTION(RuntimeError, rig.engine.scheduler().ApplyMicropauseOptions());
         rig.settings.InterruptFor = 2147484;
         QVERIFY_THROWS_EXCEPTION(RuntimeError, rig.engine.scheduler().SetTimers());
     }

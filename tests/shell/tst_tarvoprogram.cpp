@@ -117,21 +117,6 @@ private slots:
         QVERIFY(!rig.instance.holdsLock() && !rig.instance.isListening());
     }
 
-    // Apply saves the current scheme's exercises on its way (the order of the writes is the settings'
-    // concern) and moves the running countdown to the new interval.
-    void commitSavesTheSchemeAndMovesTheCountdown() {
-        Rig rig;
-        rig.store.model().setValue("Options", "Initialised", "1");
-        QVERIFY(rig.program.Form_Load());
-        rig.ctx.exercises.Exercises[1] = {"wrists.avi", "Circle your wrists", 1, 20};
-        rig.ctx.exercises.ExerciseCount = 1;
-        rig.ctx.record.InterruptEvery = 9;
-        rig.program.commitOptions();
-        QCOMPARE(rig.store.model().value("Scheme*Medium break", "1"), std::optional<QString>("wrists.avi"));
-        QCOMPARE(rig.store.model().value("Micropause", "InterruptEvery"), std::optional<QString>("9"));
-        QCOMPARE(rig.ctx.schedule.MinutesToMicropause, 9); // 4 + the change of 5
-    }
-
     void theEditorChoice() {
         {
             Rig rig; // the system's editor exists: it is used and the program folder's copy goes

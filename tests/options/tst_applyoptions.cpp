@@ -1,0 +1,136 @@
+// The options dialog's logic without the dialog: the digit filter, and Apply's silent corrections,
+// its writes in the store's order, the running countdowns, and an unreadable exercise field.
+#include "core/RuntimeError.h"
+#include "engine/EngineRig.h"
+#include "options/DigitFilter.h"
+#include "options/OptionFields.h"
+#include "support/Raised.h"
+
+#include <QtTest>
+
+using namespace tarvo;
+
+namespace {
+
+struct Port : ApplyPort {
+    MemoryRegistryStore& store;
+    QStringList log;
+    explicit Port(MemoryRegistryStore& s)
+        : store(s) {}
+    void warningChanged(const QString& warning) override { log << "warning " + warning; }
+    void saveScheme() override {
+        log << QStringLiteral("scheme saved after %1 writes").arg(store.writes().size());
+    }
+};
+
+QStringList writtenKeys(const MemoryRegistryStore& store) {
+    QStringList keys;
+    for (const auto& w : store.writes())
+        keys << w.section + '/' + w.key + '=' + w.text;
+    return keys;
+}
+
+} // namespace
+
+class TestApplyOptions : public QObject {
+    Q_OBJECT
+
+private slots:
+    void digitFilter() {
+        struct Case {
+            const char* text;
+            bool selected;
+            char key;
+            bool passes;
+        };
+        const Case cases[] = {
+            {"99", false, '7', true}, {"100", false, '1', false}, {"100", true, '5', true},
+            {"", false, '0', true},   {"5", false, 'a', false},   {"5", false, '\b', true},
+            {"0", false, '0', false}, {"12x", false, '3', true},  {"99999999999", false, '1', false},
+        };
+        for (const Case& c : cases) {
+            const std::int16_t got = CheckNumText(c.key, QLatin1String(c.text), c.selected, 1, 999);
+            QVERIFY2((got == c.key) == c.passes && (got == 0) == !c.passes, c.text);
+        }
+    }
+
+    // Each micropause field is corrected into its range, an unreadable one gets its value back first
+    // (then, as nothing was read before it, the lower bound); a typed interval may pass the spinner.
+    void micropauseFieldsAreCorrected() {
+        struct Case {
+            const char* intFor;
+            const char* intEvery;
+            const char* intForAfter;
+            const char* intEveryAfter;
+        };
+        const Case cases[] = {
+            {"1", "999", "3", "999"}, {"75", "1", "60", "2"}, {"", "", "3", "2"}, {"20", "x", "20", "4"}};
+        for (const Case& c : cases) {
+            EngineRig rig;
+            Port port(rig.store);
+            OptionFields fields = fieldsFromRecord(rig.settings);
+            fields.txtIntFor = QLatin1String(c.intFor);
+            fields.txtIntEvery = QLatin1String(c.intEvery);
+            applyOptions(fields, rig.ctx, rig.engine.scheduler(), port);
+            QCOMPARE(fields.txtIntFor, QLatin1String(c.intForAfter));
+            QCOMPARE(fields.txtIntEvery, QLatin1String(c.intEveryAfter));
+            QCOMPARE(rig.settings.InterruptFor, fields.txtIntFor.toInt());
+            QCOMPARE(rig.settings.InterruptEvery, fields.txtIntEvery.toInt());
+        }
+    }
+
+    // Every option in the order the store expects, the scheme saved just before its name, the break
+    // screen told the new message, and the countdowns moved.
+    void applyWritesEveryOptionInOrder() {
+        EngineRig rig;
+        rig.engine.scheduler().SetTimers();
+        rig.state.MinutesToMicropause = 3;
+        rig.state.MinutesToExercise = 40;
+        rig.ctx.exercises.CurrentScheme = "Mine";
+        Port port(rig.store);
+        OptionFields fields = fieldsFromRecord(rig.settings);
+        fields.txtIntEvery = "10";
+        fields.txtEveryM = "30";
+        fields.optXstartRandom = true;
+        fields.comboView = 4;
+        fields.txtWarning = "Rest";
+        applyOptions(fields, rig.ctx, rig.engine.scheduler(), port);
+        QCOMPARE(writtenKeys(rig.store),
+                 QStringList({"Micropause/InterruptFor=15", "Micropause/InterruptEvery=10",
+                              "Micropause/Audible=1",       "Micropause/WarningSound=",
+                              "Micropause/AudiblePre=1",    "Micropause/WarningSoundPre=",
+                              "Micropause/Blank=1",         "Micropause/Warning=Rest",
+                              "Micropause/DisableEsc=0",    "Micropause/IntelliReset=1",
+                              "Micropause/Monitor0=1",      "Micropause/Monitor1=1",
+                              "Exercise/AudibleX=1",        "Exercise/EveryM=30",
+                              "Exercise/WarningSoundX=",    "Exercise/BlankX=1",
+                              "Exercise/ViewAm=4",          "Exercise/Scheme=Mine",
+                              "Exercise/xStart=-1",         "Exercise/NumAtaTime=6"}));
+        QCOMPARE(port.log, QStringList({"warning Rest", "scheme saved after 17 writes"}));
+        QCOMPARE(rig.state.MinutesToMicropause, 9); // 3 + (10 - 4)
+        QCOMPARE(rig.state.MinutesToExercise, 30);
+
+        fields.optXstartRandom = false;
+        applyOptions(fields, rig.ctx, rig.engine.scheduler(), port);
+        QCOMPARE(rig.store.model().value("Exercise", "xStart"), std::optional<QString>("0"));
+    }
+
+    // An emptied exercise field is not repaired: its error ends Apply with the micropause options in
+    // the store and nothing of the exercise options.
+    void anEmptyExerciseFieldStopsApply() {
+        for (const bool emptyEveryM : {true, false}) {
+            EngineRig rig;
+            Port port(rig.store);
+            OptionFields fields = fieldsFromRecord(rig.settings);
+            (emptyEveryM ? fields.txtEveryM : fields.txtNumAtaTime).clear();
+            const auto e =
+                raised<RuntimeError>([&] { applyOptions(fields, rig.ctx, rig.engine.scheduler(), port); });
+            QVERIFY(e && e->number() == vberr::TypeMismatch);
+            QCOMPARE(rig.store.writes().size(), size_t(12));
+            QCOMPARE(rig.store.writes().back().key, "Monitor1");
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TestApplyOptions)
+#include "tst_applyoptions.moc"
