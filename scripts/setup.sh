@@ -10,6 +10,7 @@ packages=(
     pkg-config libxcb1-dev libxcb-xinput-dev    # the activity monitor's X connection (XInput 2)
     libx11-dev libxtst-dev                      # the activity monitor benchmark's XTEST input load
     xvfb xdotool                                # X11 tests: a private X server and input through XTEST
+    dbus-daemon                                 # idle-monitor tests: a private session bus
     trayer openbox x11-utils x11-xserver-utils  # X11 tests: tray host, window manager, xprop/xwininfo, xrandr
     libcanberra-dev libcanberra-pulse sound-theme-freedesktop # warning sounds, and the theme's "bell"
     pulseaudio pulseaudio-utils sox             # sound tests: a private server with a null sink, parec; sox to inspect recordings
