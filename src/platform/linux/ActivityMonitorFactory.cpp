@@ -1,6 +1,7 @@
 #include "platform/linux/ActivityMonitorFactory.h"
 
 #include "platform/linux/AlwaysActiveActivityMonitor.h"
+#include "platform/linux/ExtIdleNotifyMonitor.h"
 #include "platform/linux/FallbackActivityMonitor.h"
 #include "platform/linux/MutterIdleMonitor.h"
 #include "platform/linux/X11ActivityMonitor.h"
@@ -35,6 +36,8 @@ std::unique_ptr<ActivitySource> chooseActivitySource(const ActivitySession& sess
         if (auto monitor = X11ActivityMonitor::open(session.x11Display, &reason, &session.clock))
             return monitor;
     }
+    if (auto monitor = ExtIdleNotifyMonitor::open(session.waylandDisplay, session.clock, nullptr))
+        return monitor;
     const QDBusConnection bus = QDBusConnection::sessionBus();
     if (MutterIdleMonitor::offered(bus))
         return std::make_unique<MutterIdleMonitor>(bus, session.clock);
@@ -49,7 +52,8 @@ std::unique_ptr<ActivityMonitor> createActivityMonitor(const ActivitySession& se
 }
 
 std::unique_ptr<ActivityMonitor> createActivityMonitor(const Clock& clock) {
-    return createActivityMonitor(ActivitySession{QGuiApplication::platformName(), QByteArray(), clock});
+    return createActivityMonitor(
+        ActivitySession{QGuiApplication::platformName(), QByteArray(), QByteArray(), clock});
 }
 
 } // namespace tarvo

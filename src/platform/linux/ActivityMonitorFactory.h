@@ -15,9 +15,10 @@ class Clock;
 
 // What decides where activity can be seen.
 struct ActivitySession {
-    QString qtPlatform;    // QGuiApplication::platformName()
-    QByteArray x11Display; // empty: $DISPLAY, the display that Qt's xcb platform connects to as well
-    const Clock& clock;    // the time base of the stamps; must outlive the monitor
+    QString qtPlatform;        // QGuiApplication::platformName()
+    QByteArray x11Display;     // empty: $DISPLAY, the display that Qt's xcb platform connects to as well
+    QByteArray waylandDisplay; // empty: $WAYLAND_DISPLAY
+    const Clock& clock;        // the time base of the stamps; must outlive the monitor
     std::FILE* messages = stderr;
 };
 
@@ -27,8 +28,10 @@ struct ActivitySession {
 //    has no windows on an X server. A Wayland session (WAYLAND_DISPLAY set, or XDG_SESSION_TYPE
 //    "wayland") does not qualify even when Qt runs on XWayland: the X server there sees input only while
 //    one of its own windows has the focus.
-// 2. GNOME's idle monitor on the session bus (MutterIdleMonitor): GNOME on Wayland.
-// 3. Otherwise the user counts as always active (AlwaysActiveActivityMonitor), with the reason: the
+// 2. The Wayland compositor's idle notification (ExtIdleNotifyMonitor), where it offers one: wlroots
+//    compositors and others.
+// 3. GNOME's idle monitor on the session bus (MutterIdleMonitor): GNOME on Wayland.
+// 4. Otherwise the user counts as always active (AlwaysActiveActivityMonitor), with the reason: the
 //    X11 display's, or lostReason when the choice replaces a lost source.
 std::unique_ptr<ActivitySource> chooseActivitySource(const ActivitySession& session,
                                                      const QString& lostReason = {});

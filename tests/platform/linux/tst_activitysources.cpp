@@ -5,13 +5,16 @@
 #include "engine/EngineRig.h"
 #include "platform/fake/FakeClock.h"
 #include "platform/linux/ActivityMonitorFactory.h"
+#include "platform/linux/ExtIdleNotifyMonitor.h"
 #include "platform/linux/MutterIdleMonitor.h"
 #include "support/XvfbServer.h"
 
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <cstdio>
+#include <functional>
 #include <memory>
 
 using namespace tarvo;
@@ -26,6 +29,92 @@ QString readAll(std::FILE* file) {
     return QString::fromLocal8Bit(text);
 }
 
+// What a stand-in makes the user do, for an idle-time source.
+struct IdleUser {
+    std::function<void()> input;
+    std::function<void(int)> idleFor;
+    std::function<void()> settle;            // waits until the monitor has heard all the stand-in said
+    std::function<std::uint64_t()> received; // the notifications the monitor has heard
+};
+
+// Looks as the scheduler takes them, after what the user did in between ("i" input, "q<ms>" nothing for
+// so long; the clock moves along): input is activity exactly when it came after the previous look, and
+// notifications pass only when the user stops or comes back, never while they work or are away.
+void checkLooks(IdleNotificationMonitor& monitor, FakeClock& clock, const IdleUser& user) {
+    struct {
+        const char* steps;
+        bool grew;
+        int received; // so far
+    } const looks[] = {
+        {"i q300 i q300 i q300 i q300 i q300 i q300 i q300 i q300 i q300 i q300", true, 0},
+        {"q5000", false, 1}, // the last input came just before the previous look
+        {"q5000", false, 1},
+        {"q1000 i q4000", true, 3},
+        {"i q1000", true, 4},
+        {"q4000", false, 5},
+        {"q2500 i q500", true, 6},
+    };
+    std::int32_t last = clock.tickCount();
+    int idle = 0;
+    for (const auto& look : looks) {
+        for (const QString& step : QString::fromLatin1(look.steps).split(u' ')) {
+            if (step == QLatin1String("i")) {
+                user.input();
+                user.settle();
+                idle = 0;
+            }
+            // Nothing for a while: the clock stops when the idle notification is due, until it is heard.
+            for (int quiet = step.mid(1).toInt(); quiet > 0;) {
+                const int toIdle = idle < IdleNotificationMonitor::kIdleAfter
+                                       ? IdleNotificationMonitor::kIdleAfter - idle
+                                       : quiet;
+                const int span = std::min(quiet, toIdle);
+                clock.advance(span);
+                user.idleFor(span);
+                user.settle();
+                idle += span;
+                quiet -= span;
+            }
+        }
+        const std::int32_t stamp = monitor.VexGetTime(0);
+        QCOMPARE(monitor.VexGetTime(1), stamp); // keyboard and mouse are not told apart
+        QVERIFY2((stamp > last) == look.grew, look.steps);
+        QCOMPARE(user.received(), std::uint64_t(look.received));
+        last = stamp;
+    }
+    // Off, a channel keeps its stamp.
+    monitor.InstallFilter(1, false);
+    clock.advance(5000);
+    QCOMPARE(monitor.VexGetTime(1), last);
+}
+
+// The stand-in compositor (idle_compositor) on a socket in $XDG_RUNTIME_DIR.
+struct IdleCompositor {
+    struct Said {
+        int events = -1, objects = -1;
+    };
+    const QByteArray name = "tarvo-idle-test";
+    QProcess process;
+
+    bool start() {
+        process.start(QCoreApplication::applicationDirPath() + "/idle_compositor",
+                      {QString::fromLatin1(name)});
+        return process.waitForReadyRead(10000) && process.readLine().trimmed() == "ready";
+    }
+    void stop() {
+        process.closeWriteChannel(); // it ends with its input
+        process.waitForFinished(10000);
+    }
+    Said send(const QByteArray& command) {
+        process.write(command + '\n');
+        while (!process.canReadLine())
+            if (!process.waitForReadyRead(10000))
+                return {};
+        const QList<QByteArray> words = process.readLine().trimmed().split(' ');
+        return words.size() == 2 ? Said{words[0].toInt(), words[1].toInt()} : Said{};
+    }
+};
+
 } // namespace
 
 class TestActivitySources : public QObject {
@@ -35,6 +124,8 @@ private:
     QProcess bus_;
     std::unique_ptr<MutterStandIn> mutter_;
     XvfbServer xvfb_;
+    QTemporaryDir runtimeDir_;
+    IdleCompositor compositor_;
 
     void xdotool(const QByteArray& display, const QString& arguments) {
         QProcess process;
@@ -55,10 +146,13 @@ private slots:
         qputenv("DBUS_SESSION_BUS_ADDRESS", address); // before anything opens the session bus
         mutter_ = std::make_unique<MutterStandIn>(QString::fromLatin1(address));
         QVERIFY2(xvfb_.start(), "Xvfb did not start");
+        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtimeDir_.path())); // no Wayland display but ours
+        QVERIFY2(compositor_.start(), "the stand-in compositor did not start");
         qunsetenv("WAYLAND_DISPLAY");
         qunsetenv("XDG_SESSION_TYPE");
     }
     void cleanupTestCase() {
+        compositor_.stop();
         mutter_.reset();
         bus_.kill();
         bus_.waitForFinished();
@@ -66,9 +160,7 @@ private slots:
     void cleanup() { mutter_->leave(); }
 
     // The scheduler's question at each look, whether a stamp grew since the previous look, answered
-    // from GNOME's idle monitor, for what the user did between the looks ("i" input, "q<ms>" nothing for
-    // so long; the clock moves along). Input is activity exactly when it came after the previous look,
-    // and the watches cost nothing while the user works or is away: the firings stay at the transitions.
+    // from GNOME's idle monitor. The watches are withdrawn when both channels go off.
     void mutterStampsShowInputSinceTheLastLook() {
         QVERIFY(mutter_->enter());
         FakeClock clock(100000);
@@ -76,67 +168,57 @@ private slots:
         monitor.InstallFilter(0, true);
         monitor.InstallFilter(1, true);
         QTRY_COMPARE(mutter_->watches(true), 1);
-        const auto settle = [&] {
-            QTRY_COMPARE(monitor.firings(), std::uint64_t(mutter_->firings()));
-            // once idle, the user-active watch is in place before the next input
-            const int active = mutter_->idle() >= IdleNotificationMonitor::kIdleAfter ? 1 : 0;
-            QTRY_COMPARE(mutter_->watches(false), active);
-        };
-        struct {
-            const char* steps;
-            bool grew;
-            int firings; // so far
-        } const looks[] = {
-            {"i q300 i q300 i q300 i q300 i q300 i q300 i q300 i q300 i q300 i q300", true, 0},
-            {"q5000", false, 1}, // the last input came just before the previous look
-            {"q5000", false, 1},
-            {"q1000 i q4000", true, 3},
-            {"i q1000", true, 4},
-            {"q4000", false, 5},
-            {"q2500 i q500", true, 6},
-        };
-        std::int32_t last = clock.tickCount();
-        for (const auto& look : looks) {
-            for (const QString& step : QString::fromLatin1(look.steps).split(u' ')) {
-                if (step == QLatin1String("i")) {
-                    mutter_->input();
-                    settle();
-                }
-                // Nothing for a while: the clock stops when the idle watch is due, until it has fired.
-                for (int quiet = step.mid(1).toInt(); quiet > 0;) {
-                    const quint64 idle = mutter_->idle();
-                    const int toIdle = idle < IdleNotificationMonitor::kIdleAfter
-                                           ? IdleNotificationMonitor::kIdleAfter - int(idle)
-                                           : quiet;
-                    const int span = std::min(quiet, toIdle);
-                    clock.advance(span);
-                    mutter_->idleFor(quint64(span));
-                    settle();
-                    quiet -= span;
-                }
-            }
-            const std::int32_t stamp = monitor.VexGetTime(0);
-            QCOMPARE(monitor.VexGetTime(1), stamp); // keyboard and mouse are not told apart
-            QVERIFY2((stamp > last) == look.grew, look.steps);
-            QCOMPARE(monitor.firings(), std::uint64_t(look.firings));
-            last = stamp;
-        }
+        checkLooks(monitor, clock,
+                   {[&] { mutter_->input(); }, [&](int ms) { mutter_->idleFor(quint64(ms)); },
+                    [&] {
+                        QTRY_COMPARE(monitor.firings(), std::uint64_t(mutter_->firings()));
+                        // once idle, the user-active watch is in place before the next input
+                        const bool idle = mutter_->idle() >= IdleNotificationMonitor::kIdleAfter;
+                        QTRY_COMPARE(mutter_->watches(false), idle ? 1 : 0);
+                    },
+                    [&] { return monitor.firings(); }});
+        if (QTest::currentTestFailed())
+            return;
+        QCOMPARE(mutter_->watches(true), 1); // channel 0 is still on
 
-        // Off, a channel keeps its stamp; with both off the watches are withdrawn.
-        monitor.InstallFilter(1, false);
-        clock.advance(5000);
-        QCOMPARE(monitor.VexGetTime(1), last);
-        QCOMPARE(mutter_->watches(true), 1);
         monitor.InstallFilter(0, false);
         QTRY_COMPARE(mutter_->watches(true) + mutter_->watches(false), 0);
         QVERIFY(monitor.lostReason().isEmpty());
     }
 
-    // X11 where Qt runs on an X11 display; GNOME's idle monitor where X11 cannot see the input and the
-    // session bus has it; otherwise the user counts as always active, with the reason in the status.
+    // The same from the compositor's idle notification; its notification object goes when both
+    // channels go off, and the monitor is lost when the compositor ends.
+    void extIdleNotifyStampsShowInputSinceTheLastLook() {
+        FakeClock clock(100000);
+        QString whyNot;
+        const auto monitor = ExtIdleNotifyMonitor::open(compositor_.name, clock, &whyNot);
+        QVERIFY2(monitor, qPrintable(whyNot));
+        monitor->InstallFilter(0, true);
+        monitor->InstallFilter(1, true);
+        QTRY_COMPARE(compositor_.send("idle 0").objects, 1);
+        int sent = 0;
+        checkLooks(*monitor, clock,
+                   {[&] { sent = compositor_.send("input").events; },
+                    [&](int ms) { sent = compositor_.send("idle " + QByteArray::number(ms)).events; },
+                    [&] { QTRY_COMPARE(monitor->notifications(), std::uint64_t(sent)); },
+                    [&] { return monitor->notifications(); }});
+        if (QTest::currentTestFailed())
+            return;
+        monitor->InstallFilter(0, false);
+        QTRY_COMPARE(compositor_.send("idle 0").objects, 0);
+        QVERIFY(monitor->lostReason().isEmpty());
+        compositor_.stop();
+        QTRY_COMPARE(monitor->lostReason(), "the connection to the Wayland compositor was lost");
+        QVERIFY(compositor_.start());
+    }
+
+    // X11 where Qt runs on an X11 display; where X11 cannot see the input the compositor's idle
+    // notification, else GNOME's idle monitor; otherwise the user counts as always active, with the
+    // reason in the status.
     void theSessionDecidesTheSource() {
         FakeClock clock;
         const QString x11 = "Natural pauses are detected from the keyboard and mouse of the X11 display.";
+        const QString compositor = "Natural pauses are detected through the compositor's idle notification.";
         const QString gnome = "Natural pauses are detected through GNOME's idle monitor.";
         const QString none = "Natural pauses are not detected here: ";
         struct {
@@ -147,6 +229,8 @@ private slots:
             QString description;
         } const cases[] = {
             {"xcb", xvfb_.display(), "", true, x11},
+            {"wayland", xvfb_.display(), compositor_.name.constData(), true, compositor},
+            {"xcb", QByteArray(), compositor_.name.constData(), false, compositor},
             {"wayland", xvfb_.display(), "", true, gnome},
             {"xcb", xvfb_.display(), "wayland-0", true, gnome},
             {"offscreen", QByteArray(), "", true, gnome},
@@ -169,7 +253,7 @@ private slots:
             else
                 mutter_->leave();
             const auto monitor =
-                createActivityMonitor({QString::fromLatin1(c.platform), QByteArray(), clock});
+                createActivityMonitor({QString::fromLatin1(c.platform), QByteArray(), QByteArray(), clock});
             QCOMPARE(monitor->description(), c.description);
         }
         qunsetenv("WAYLAND_DISPLAY");
@@ -182,7 +266,8 @@ private slots:
         std::FILE* messages = std::tmpfile();
         QVERIFY(messages);
         EngineRig rig([messages](const Clock& clock) {
-            return createActivityMonitor({QStringLiteral("offscreen"), QByteArray(), clock, messages});
+            return createActivityMonitor(
+                {QStringLiteral("offscreen"), QByteArray(), QByteArray(), clock, messages});
         });
         rig.settings.EveryM = 1; // the micropause countdown runs while the exercise prompt is up
         rig.settings.InterruptEvery = 3;
@@ -215,7 +300,7 @@ private slots:
         auto display = std::make_unique<XvfbServer>();
         QVERIFY(display->start());
         const QByteArray name = display->display();
-        const auto monitor = createActivityMonitor({"xcb", name, clock, messages});
+        const auto monitor = createActivityMonitor({"xcb", name, QByteArray(), clock, messages});
         monitor->InstallFilter(0, true);
         monitor->InstallFilter(1, true);
         const QString x11 = monitor->description();
@@ -248,7 +333,7 @@ private slots:
 
         QVERIFY(mutter_->enter());
         mutter_->input(); // a user at work
-        const auto gnome = createActivityMonitor({"wayland", QByteArray(), clock, messages});
+        const auto gnome = createActivityMonitor({"wayland", QByteArray(), QByteArray(), clock, messages});
         const QString gnomeText = gnome->description();
         gnome->InstallFilter(0, true);
         QTRY_COMPARE(mutter_->watches(true), 1);
