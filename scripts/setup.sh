@@ -8,8 +8,10 @@ packages=(
     qt6-base-dev qt6-base-dev-tools             # Qt Core, Gui, Widgets, Test; moc, uic
     qt6-svg-dev                                 # Qt SVG: the build draws the program icon with it
     pkg-config libxcb1-dev libxcb-xinput-dev    # the activity monitor's X connection (XInput 2)
+    libwayland-dev wayland-protocols            # the activity monitor's Wayland connection (ext-idle-notify-v1)
     libx11-dev libxtst-dev                      # the activity monitor benchmark's XTEST input load
     xvfb xdotool                                # X11 tests: a private X server and input through XTEST
+    dbus-daemon                                 # idle-monitor tests: a private session bus
     trayer openbox x11-utils x11-xserver-utils  # X11 tests: tray host, window manager, xprop/xwininfo, xrandr
     libcanberra-dev libcanberra-pulse sound-theme-freedesktop # warning sounds, and the theme's "bell"
     pulseaudio pulseaudio-utils sox             # sound tests: a private server with a null sink, parec; sox to inspect recordings

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include <cstdint>
 
 namespace tarvo {
@@ -18,6 +20,10 @@ public:
 
     // The tick count at the last input seen on the channel (0 before any).
     virtual std::int32_t VexGetTime(std::int32_t channel) = 0;
+
+    // One line for the status window on where the activity comes from, or, where no input can be seen
+    // and natural pauses go undetected, why not.
+    virtual QString description() const = 0;
 };
 
 } // namespace tarvo

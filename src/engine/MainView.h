@@ -30,6 +30,8 @@ public:
     virtual void showLastMicropause(const QString& text) = 0;
     virtual void showExerciseStatus(const QString& text) = 0;
     virtual void showVoluntaryStatus(const QString& text) = 0;
+    // Where natural pauses are detected from, or why they are not (ActivityMonitor::description).
+    virtual void showActivitySource(const QString& text) = 0;
 };
 
 } // namespace tarvo

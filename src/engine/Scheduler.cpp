@@ -54,6 +54,7 @@ void Scheduler::SetTimers() {
 
     state_.MinutesToExercise = settings_.EveryM;
     showMinutesToExercise();
+    showActivitySource();
 
     tSeconds_.setInterval(naturalPauseInterval(settings_));
     tSeconds_.setEnabled(true);
@@ -102,6 +103,7 @@ void Scheduler::checkNaturalPause() {
             activitySeen = true;
         last = stamp;
     }
+    showActivitySource(); // after the reads, which may have put a new source in place of a lost one
     if (activitySeen)
         return;
 
@@ -128,6 +130,14 @@ void Scheduler::ApplyMicropauseOptions() {
 void Scheduler::ApplyExerciseOptions() {
     if (state_.MinutesToExercise > settings_.EveryM)
         state_.MinutesToExercise = settings_.EveryM;
+}
+
+void Scheduler::showActivitySource() {
+    QString text = monitor_.description();
+    if (text != shownSource_) {
+        view_.showActivitySource(text);
+        shownSource_ = std::move(text);
+    }
 }
 
 void Scheduler::showMinutesToExercise() {

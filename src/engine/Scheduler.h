@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include <cstdint>
 
 namespace tarvo {
@@ -22,6 +24,9 @@ struct SettingsRecord;
 //
 // Each minute tick advances exactly one countdown: the exercise countdown while no exercise prompt is
 // up, the micropause countdown while it is. The two never move on the same tick.
+//
+// The status window's line on where activity comes from (ActivityMonitor::description) is written at
+// SetTimers and again whenever a natural-pause check finds it changed (a lost source replaced).
 //
 // All counter arithmetic is checked: an overflow is run-time error 6 and leaves the handler, like any
 // other error of a tick; nothing here catches.
@@ -57,6 +62,7 @@ public:
 private:
     void checkNaturalPause();
     void showMinutesToExercise();
+    void showActivitySource();
 
     const SettingsRecord& settings_;
     SchedulerState& state_;
@@ -69,6 +75,7 @@ private:
     Warnings& warnings_;
     MainView& view_;
     ExerciseView& exerciseView_;
+    QString shownSource_;
 };
 
 } // namespace tarvo

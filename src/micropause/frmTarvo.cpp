@@ -71,6 +71,9 @@ void frmTarvo::showExerciseStatus(const QString& text) {
 void frmTarvo::showVoluntaryStatus(const QString& text) {
     ui->lblvoluntary->setText(text);
 }
+void frmTarvo::showActivitySource(const QString& text) {
+    ui->lblActivity->setText(text);
+}
 void frmTarvo::showLastMicropause(const QString& text) {
     ui->lbltarvo->setText(text);
 }

@@ -48,6 +48,7 @@ public:
     void showLastMicropause(const QString& text) override;
     void showExerciseStatus(const QString& text) override;
     void showVoluntaryStatus(const QString& text) override;
+    void showActivitySource(const QString& text) override;
 
 public slots:
     void cmdCancel_Click();

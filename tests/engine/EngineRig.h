@@ -27,14 +27,15 @@ struct EngineRig : FakeContext, tarvo::MainView, tarvo::ExerciseView, tarvo::War
     tarvo::SchedulerState& state = ctx.schedule;
     Bar bar;
     QStringList log, shows;
-    QString exerciseText, voluntaryText, lastText, caption;
+    QString exerciseText, voluntaryText, lastText, caption, sourceText;
     int voluntaryWrites = 0, videoCloses = 0;
     tarvo::BreakEngine engine{ctx, *this, *this, *this};
     tarvo::ExerciseSequencer& exercise = engine.exercise();
 
-    EngineRig() {
-        monitor.InstallFilter(0, true);
-        monitor.InstallFilter(1, true);
+    explicit EngineRig(const MonitorMaker& makeMonitor = {})
+        : FakeContext(QStringLiteral("/opt/tarvo"), makeMonitor) {
+        ctx.monitor.InstallFilter(0, true);
+        ctx.monitor.InstallFilter(1, true);
         state.LastActivityTimes = {clock.tickCount(), clock.tickCount()};
     }
     // The user is busy on `channel` every second, or idle for channel -1.
@@ -64,6 +65,7 @@ struct EngineRig : FakeContext, tarvo::MainView, tarvo::ExerciseView, tarvo::War
         voluntaryText = t;
         ++voluntaryWrites;
     }
+    void showActivitySource(const QString& t) override { sourceText = t; }
     void AudibleWarningPre() override { note("pre"); }
     void AudibleWarning() override { note("warning"); }
     void AudibleWarningX() override { note("X"); }

@@ -60,8 +60,11 @@ private slots:
         rig.settings.EveryM = 60;
         rig.engine.scheduler().SetTimers();
         QCOMPARE(rig.exerciseText, "Next Exercise Break: 59 minutes");
+        QCOMPARE(rig.sourceText, "Activity: made up by the test");
+        rig.monitor.setDescription("Natural pauses are not detected here: a test."); // the source was lost
         rig.run(2, -1);
         QCOMPARE(rig.exerciseText, "Next Exercise Break: 57 minutes");
+        QCOMPARE(rig.sourceText, "Natural pauses are not detected here: a test.");
         QCOMPARE(rig.voluntaryText, "Last natural micropause: 09:02");
         QCOMPARE(rig.voluntaryWrites, 8);
         rig.settings.IntelliReset = 0; // the text is written all the same

@@ -33,6 +33,7 @@ struct Elsewhere : MainView, Warnings, CountdownBar {
     void showLastMicropause(const QString&) override {}
     void showExerciseStatus(const QString&) override {}
     void showVoluntaryStatus(const QString&) override {}
+    void showActivitySource(const QString&) override {}
     void AudibleWarningPre() override {}
     void AudibleWarning() override {}
     void AudibleWarningX() override {}

@@ -75,6 +75,7 @@ private slots:
         QVERIFY(!rig.form.isVisible() && rig.child<QLabel>("lbltarvo"));
         rig.engine.scheduler().SetTimers();
         QCOMPARE(rig.child<QLabel>("lblExercise")->text(), "Next Exercise Break: 1 minutes");
+        QCOMPARE(rig.child<QLabel>("lblActivity")->text(), "Activity: made up by the test");
         rig.timeline.advance(15000); // an idle user
         QCOMPARE(rig.child<QLabel>("lblvoluntary")->text(), "Last natural micropause: 09:00");
 

@@ -11,12 +11,20 @@
 #include "platform/fake/ScriptedMessageBox.h"
 #include "platform/fake/ScriptedRandom.h"
 
+#include <functional>
+#include <memory>
+
 // The application context on fakes only: the store in memory, a clock and timers that move only when
 // the test advances the timeline (from 09:00 on a Monday), made-up activity, recorded sounds and media
-// commands, pre-answered message boxes and file dialogs, and chosen random numbers.
+// commands, pre-answered message boxes and file dialogs, and chosen random numbers. A test of a real
+// activity monitor makes it on the context's clock instead of the made-up activity.
 struct FakeContext {
-    explicit FakeContext(QString programFolder = QStringLiteral("/opt/tarvo"))
-        : ctx({store, clock, timeline, monitor, sound, messages, files, media, random},
+    using MonitorMaker = std::function<std::unique_ptr<tarvo::ActivityMonitor>(const tarvo::Clock&)>;
+
+    explicit FakeContext(QString programFolder = QStringLiteral("/opt/tarvo"), const MonitorMaker& make = {})
+        : madeMonitor(make ? make(clock) : nullptr)
+        , ctx({store, clock, timeline, madeMonitor ? *madeMonitor : monitor, sound, messages, files, media,
+               random},
               std::move(programFolder)) {}
 
     tarvo::MemoryRegistryStore store;
@@ -28,5 +36,6 @@ struct FakeContext {
     tarvo::ScriptedFileDialog files;
     tarvo::RecordingMediaCommands media;
     tarvo::ScriptedRandom random;
+    std::unique_ptr<tarvo::ActivityMonitor> madeMonitor;
     tarvo::AppContext ctx;
 };

@@ -1,8 +1,12 @@
 #include "platform/linux/ActivityMonitorFactory.h"
 
-#include "platform/linux/UnavailableActivityMonitor.h"
+#include "platform/linux/AlwaysActiveActivityMonitor.h"
+#include "platform/linux/ExtIdleNotifyMonitor.h"
+#include "platform/linux/FallbackActivityMonitor.h"
+#include "platform/linux/MutterIdleMonitor.h"
 #include "platform/linux/X11ActivityMonitor.h"
 
+#include <QDBusConnection>
 #include <QGuiApplication>
 
 namespace tarvo {
@@ -25,17 +29,31 @@ QString whyNoX11(const QString& qtPlatform) {
 
 } // namespace
 
-std::unique_ptr<ActivityMonitor> createActivityMonitor(const QString& qtPlatform, std::FILE* messages) {
-    QString reason = whyNoX11(qtPlatform);
+std::unique_ptr<ActivitySource> chooseActivitySource(const ActivitySession& session,
+                                                     const QString& lostReason) {
+    QString reason = whyNoX11(session.qtPlatform);
     if (reason.isEmpty()) {
-        if (auto monitor = X11ActivityMonitor::open(QByteArray(), &reason))
+        if (auto monitor = X11ActivityMonitor::open(session.x11Display, &reason, &session.clock))
             return monitor;
     }
-    return std::make_unique<UnavailableActivityMonitor>(reason, messages);
+    if (auto monitor = ExtIdleNotifyMonitor::open(session.waylandDisplay, session.clock, nullptr))
+        return monitor;
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (MutterIdleMonitor::offered(bus))
+        return std::make_unique<MutterIdleMonitor>(bus, session.clock);
+    return std::make_unique<AlwaysActiveActivityMonitor>(lostReason.isEmpty() ? reason : lostReason,
+                                                         session.clock, session.messages);
 }
 
-std::unique_ptr<ActivityMonitor> createActivityMonitor() {
-    return createActivityMonitor(QGuiApplication::platformName());
+std::unique_ptr<ActivityMonitor> createActivityMonitor(const ActivitySession& session) {
+    return std::make_unique<FallbackActivityMonitor>(
+        [session](const QString& lostReason) { return chooseActivitySource(session, lostReason); },
+        session.clock, session.messages);
+}
+
+std::unique_ptr<ActivityMonitor> createActivityMonitor(const Clock& clock) {
+    return createActivityMonitor(
+        ActivitySession{QGuiApplication::platformName(), QByteArray(), QByteArray(), clock});
 }
 
 } // namespace tarvo

@@ -47,7 +47,7 @@ struct LinuxPlatform::Seams {
     FileRegistryStore store{FileRegistryStore::defaultPath()};
     SystemClock clock;
     QtTimerFactory timers;
-    std::unique_ptr<ActivityMonitor> monitor = createActivityMonitor();
+    std::unique_ptr<ActivityMonitor> monitor = createActivityMonitor(clock);
     CanberraSoundPlayer sound{folder + QStringLiteral("/beep.wav")};
     QProcessRunner processes;
     LocalSingleInstance instance;

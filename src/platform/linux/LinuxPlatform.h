@@ -40,7 +40,7 @@ void releaseFreedMemory();
 int runVideoHelper(int& argc, char** argv);
 
 // Every seam of the running program on a Linux desktop. This header is the folder's only face: the
-// implementations behind it (X11, libcanberra, local sockets, Qt widgets) stay private to it.
+// implementations behind it (X11, Wayland, D-Bus, libcanberra, local sockets, Qt widgets) stay private to it.
 //
 // Needs the application object: the activity monitor, the tray icon and the message box talk to the
 // display the program runs on.

@@ -4,8 +4,8 @@
 
 #include <QSocketNotifier>
 
-#include <cstdio>
 #include <cstdlib>
+#include <utility>
 #include <xcb/xcb.h>
 #include <xcb/xinput.h>
 
@@ -55,12 +55,13 @@ std::unique_ptr<X11ActivityMonitor> X11ActivityMonitor::open(const QByteArray& d
         return fail(QStringLiteral("the X11 display \"%1\" has no XInput 2 extension").arg(shownName));
     }
     return std::unique_ptr<X11ActivityMonitor>(
-        new X11ActivityMonitor(connection, extension->major_opcode, clock));
+        new X11ActivityMonitor(connection, shownName, extension->major_opcode, clock));
 }
 
-X11ActivityMonitor::X11ActivityMonitor(xcb_connection_t* connection, std::uint8_t xinputOpcode,
-                                       const Clock* clock)
+X11ActivityMonitor::X11ActivityMonitor(xcb_connection_t* connection, QString displayName,
+                                       std::uint8_t xinputOpcode, const Clock* clock)
     : connection_(connection)
+    , displayName_(std::move(displayName))
     , clock_(clock)
     , xinputOpcode_(xinputOpcode)
     , notifier_(
@@ -93,6 +94,16 @@ std::int32_t X11ActivityMonitor::VexGetTime(std::int32_t channel) {
         select();
     }
     return stamps_[c];
+}
+
+QString X11ActivityMonitor::description() const {
+    return QStringLiteral("Natural pauses are detected from the keyboard and mouse of the X11 display.");
+}
+
+QString X11ActivityMonitor::lostReason() const {
+    if (!dead_)
+        return {};
+    return QStringLiteral("the connection to the X11 display \"%1\" was lost").arg(displayName_);
 }
 
 void X11ActivityMonitor::drain() {
@@ -173,9 +184,6 @@ void X11ActivityMonitor::lost() {
     dead_ = true;
     notifier_->setEnabled(false); // a closed socket stays readable: never spin on it
     armed_ = {false, false};
-    std::fputs("Tarvo Micropause: the connection to the X11 display was lost; natural pauses are no longer "
-               "detected.\n",
-               stderr);
 }
 
 } // namespace tarvo

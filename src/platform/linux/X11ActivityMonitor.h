@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/ActivityMonitor.h"
 #include "core/Clock.h"
+#include "platform/linux/ActivitySource.h"
 
 #include <QByteArray>
 #include <QString>
@@ -44,9 +44,10 @@ namespace tarvo {
 // keeps that answer honest: an event seen in the same millisecond as the stamp the previous look returned
 // is stamped one millisecond later, so that it still counts as growth.
 //
-// If the X server goes away the monitor stops watching, reports no further activity and never spins on
-// the dead socket.
-class X11ActivityMonitor : public ActivityMonitor {
+// If the connection breaks (the X server goes away, or closes it) the monitor stops watching, never spins
+// on the dead socket and reports itself lost, so that the program's monitor connects anew or falls back
+// (FallbackActivityMonitor).
+class X11ActivityMonitor : public ActivitySource {
 public:
     // Connects to the display (empty: $DISPLAY). Returns null, with the reason in whyNot, when there is
     // no such display or it lacks XInput 2.0 or later. Stamps are read from the clock (null: the system's
@@ -60,13 +61,16 @@ public:
 
     void InstallFilter(std::int32_t channel, bool on) override;
     std::int32_t VexGetTime(std::int32_t channel) override;
+    QString description() const override;
+    QString lostReason() const override;
 
     // Input events that have reached this process since it started: the measure of what the design above
     // saves, for the benchmark and the tests.
     std::uint64_t eventsReceived() const { return eventsReceived_; }
 
 private:
-    X11ActivityMonitor(xcb_connection_t* connection, std::uint8_t xinputOpcode, const Clock* clock);
+    X11ActivityMonitor(xcb_connection_t* connection, QString displayName, std::uint8_t xinputOpcode,
+                       const Clock* clock);
 
     void drain();
     void takeEvents(bool readSocket);
@@ -76,6 +80,7 @@ private:
     void lost();
 
     xcb_connection_t* connection_;
+    QString displayName_;
     const Clock* clock_; // null: SystemClock
     std::uint8_t xinputOpcode_;
     std::unique_ptr<QSocketNotifier> notifier_;

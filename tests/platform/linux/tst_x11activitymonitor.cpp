@@ -1,15 +1,12 @@
 // The X11 activity monitor against a real X server: a private Xvfb, with input from xdotool (XTEST).
 #include "platform/fake/FakeClock.h"
-#include "platform/linux/ActivityMonitorFactory.h"
 #include "platform/linux/SystemClock.h"
-#include "platform/linux/UnavailableActivityMonitor.h"
 #include "platform/linux/X11ActivityMonitor.h"
 #include "support/XvfbServer.h"
 
 #include <QProcess>
 #include <QTest>
 
-#include <cstdio>
 #include <memory>
 
 using namespace tarvo;
@@ -19,14 +16,6 @@ namespace {
 // Whether a stamp lies between tick counts read around the input (with the monitor's 1 ms allowance).
 bool between(std::int32_t low, std::int32_t stamp, std::int32_t high) {
     return low <= stamp && stamp <= high + 1;
-}
-
-QString readAll(std::FILE* file) {
-    std::fflush(file);
-    std::rewind(file);
-    QByteArray text(4096, '\0');
-    text.resize(qsizetype(std::fread(text.data(), 1, size_t(text.size()), file)));
-    return QString::fromLocal8Bit(text);
 }
 
 } // namespace
@@ -123,48 +112,6 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(monitor->VexGetTime(1), 123456, 3000);
         xdotool("mousemove_relative -- -2 -2");
         QTRY_COMPARE_WITH_TIMEOUT(monitor->VexGetTime(1), 123457, 3000);
-    }
-
-    // Off X11 nothing is watched: the offscreen platform, even with a good DISPLAY, says why once and
-    // stamps nothing; each other kind of session has its reason and says nothing until switched on.
-    void fallbackWithoutX11Display() {
-        std::FILE* messages = std::tmpfile();
-        QVERIFY(messages);
-        auto offscreen = createActivityMonitor("offscreen", messages);
-        QVERIFY(readAll(messages).isEmpty());
-        for (const auto& [channel, on] :
-             {std::pair{0, true}, std::pair{1, true}, std::pair{0, false}, std::pair{0, true}})
-            offscreen->InstallFilter(channel, on);
-        xdotool("key a mousemove_relative 4 4");
-        QCOMPARE(offscreen->VexGetTime(0), 0);
-        QCOMPARE(offscreen->VexGetTime(1), 0);
-        const QString said = readAll(messages);
-        std::fclose(messages);
-        QCOMPARE(said.count(QLatin1Char('\n')), 1);
-        QVERIFY2(said.contains(QLatin1String("natural pauses cannot be detected here")) &&
-                     said.contains(QLatin1String("offscreen")),
-                 qPrintable(said));
-
-        messages = std::tmpfile();
-        for (const auto& [platform, display, wayland, reason] :
-             {std::tuple{"xcb", QByteArray(), "", "DISPLAY is not set"},
-              std::tuple{"xcb", xvfb_.display(), "wayland-0", "Wayland"},
-              std::tuple{"wayland", xvfb_.display(), "", "Wayland"},
-              std::tuple{"xcb", QByteArray(":4077"), "", "cannot connect"}}) {
-            qputenv("DISPLAY", display);
-            if (*wayland)
-                qputenv("WAYLAND_DISPLAY", wayland);
-            else
-                qunsetenv("WAYLAND_DISPLAY");
-            auto monitor = createActivityMonitor(QString::fromLatin1(platform), messages);
-            const auto* unavailable = dynamic_cast<UnavailableActivityMonitor*>(monitor.get());
-            QVERIFY2(unavailable && unavailable->reason().contains(QLatin1String(reason)), reason);
-        }
-        QVERIFY(readAll(messages).isEmpty());
-        std::fclose(messages);
-        qunsetenv("WAYLAND_DISPLAY");
-        qputenv("DISPLAY", xvfb_.display());
-        QVERIFY(dynamic_cast<X11ActivityMonitor*>(createActivityMonitor("xcb").get()));
     }
 };
 

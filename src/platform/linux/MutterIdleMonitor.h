@@ -1,0 +1,71 @@
+#pragma once
+
+#include "platform/linux/IdleNotificationMonitor.h"
+
+#include <QDBusConnection>
+#include <QString>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+class QDBusServiceWatcher;
+
+namespace tarvo {
+
+class MutterIdleMonitorProxy;
+
+// Activity from GNOME's idle monitor (org.gnome.Mutter.IdleMonitor on the session bus), which GNOME's
+// compositor offers on Wayland as well as on X11. On Wayland it is the only one who sees all input.
+//
+// Two watches stand for IdleNotificationMonitor's two notifications: an idle watch of kIdleAfter ms,
+// which fires each time the user has been idle that long, and after each of its firings a user-active
+// watch, which fires once at the next input and is then gone. Nothing is polled: while the user
+// works, or while they are away, no message passes at all.
+//
+// Calls are asynchronous, and the service answers a call before it fires the watch the call created,
+// so a watch's number is always known before its firing arrives. The watches are the service's to drop
+// when this process leaves the bus; they are withdrawn explicitly when watching stops.
+//
+// The monitor counts as lost when the service leaves the bus (its compositor ended) or refuses a watch.
+class MutterIdleMonitor : public IdleNotificationMonitor {
+public:
+    static constexpr char kService[] = "org.gnome.Mutter.IdleMonitor";
+
+    // Whether the bus has GNOME's idle monitor on it.
+    static bool offered(const QDBusConnection& bus);
+
+    MutterIdleMonitor(const QDBusConnection& bus, const Clock& clock);
+    ~MutterIdleMonitor() override;
+    MutterIdleMonitor(const MutterIdleMonitor&) = delete;
+    MutterIdleMonitor& operator=(const MutterIdleMonitor&) = delete;
+
+    QString description() const override;
+    QString lostReason() const override { return lost_; }
+
+    // Watch firings that have reached this process: what the monitor costs, for the tests.
+    std::uint64_t firings() const { return firings_; }
+
+private:
+    void startWatching() override;
+    void stopWatching() override;
+
+    void watchFired(std::uint32_t id);
+    // Adds a watch; `done` gets its number unless watching has stopped or restarted meanwhile, in which
+    // case the watch is removed again at once.
+    void addWatch(const QString& method, const QVariantList& arguments,
+                  std::function<void(std::uint32_t)> done);
+    void removeWatch(std::uint32_t& id);
+    void lose(const QString& reason);
+
+    std::unique_ptr<MutterIdleMonitorProxy> proxy_;
+    std::unique_ptr<QDBusServiceWatcher> watcher_;
+    std::uint32_t idleWatch_ = 0;
+    std::uint32_t activeWatch_ = 0;
+    bool activeAsked_ = false; // a user-active watch is asked for or in place
+    unsigned round_ = 0;       // counts the starts, so that late answers of an earlier round are told apart
+    std::uint64_t firings_ = 0;
+    QString lost_;
+};
+
+} // namespace tarvo
