@@ -49,12 +49,9 @@ private slots:
     // it is, a "\\" being a folder separator too and a drive letter the root.
     void whereAStoredPathPoints() {
         const std::pair<const char*, const char*> cases[] = {
-            {"ding.wav", "/opt/tarvo/ding.wav"},
-            {"/home/u/ding.wav", "/home/u/ding.wav"},
-            {"snd/ding.wav", "snd/ding.wav"},
-            {" ", "/opt/tarvo/ "},
-            {"C:\\Media\\ding.wav", "/Media/ding.wav"},
-            {"sub\\beep.wav", "sub/beep.wav"},
+            {"ding.wav", "/opt/tarvo/ding.wav"},        {"/home/u/ding.wav", "/home/u/ding.wav"},
+            {"snd/ding.wav", "snd/ding.wav"},           {" ", "/opt/tarvo/ "},
+            {"C:\\Media\\ding.wav", "/Media/ding.wav"}, {"sub\\beep.wav", "sub/beep.wav"},
             {"C:ding.wav", "/opt/tarvo/C:ding.wav"},
         };
         for (const auto& [stored, played] : cases) {
