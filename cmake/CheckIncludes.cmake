@@ -1,7 +1,7 @@
 # The include rules of the house, checked over one library's sources at build time:
 #   cmake -DFOLDER=<folder below src> -DFILES=<a|b|...> [-DSTAMP=<file>] -P CheckIncludes.cmake
 # It fails, naming each offending line, when a file
-#   - includes a folder on its own floor or above (its own folder aside),
+#   - includes a folder on its own floor or above (its own folder and an allowed neighbour aside),
 #   - includes the Linux platform from anywhere but the shell and the mains, or anything of it but
 #     its public face, platform/linux/LinuxPlatform.h (the Linux platform itself aside),
 #   - includes the test doubles of platform/fake,
@@ -26,8 +26,9 @@ foreach(file IN LISTS FILES)
                 set(folder platform/${sub})
             endif()
             tarvo_floor_of(${folder} theirs)
+            tarvo_floor_neighbour(${FOLDER} ${folder} neighbour)
             if(NOT theirs STREQUAL "" AND NOT folder STREQUAL FOLDER)
-                if(NOT theirs LESS own)
+                if(NOT theirs LESS own AND NOT neighbour)
                     string(APPEND problems "${where}: ${FOLDER} (floor ${own}) includes ${folder} (floor ${theirs}), a floor at or above its own\n")
                 elseif(folder STREQUAL "platform/fake")
                     string(APPEND problems "${where}: the test doubles of platform/fake belong to the tests only\n")

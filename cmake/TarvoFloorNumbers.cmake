@@ -17,3 +17,15 @@ function(tarvo_floor_of folder result)
     endif()
     set(${result} "${floor}" PARENT_SCOPE)
 endfunction()
+
+# Pairs "<folder>><neighbour>" of folders that may use one neighbour on their own floor: the options
+# dialog edits the schemes that the exercise floor stores and plays. Never the other way round.
+set(TARVO_FLOOR_NEIGHBOURS "options>exercise")
+function(tarvo_floor_neighbour folder theirs result)
+    list(FIND TARVO_FLOOR_NEIGHBOURS "${folder}>${theirs}" at)
+    if(at LESS 0)
+        set(${result} FALSE PARENT_SCOPE)
+    else()
+        set(${result} TRUE PARENT_SCOPE)
+    endif()
+endfunction()

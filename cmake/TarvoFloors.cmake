@@ -2,9 +2,10 @@
 #
 # tarvo_floor(<target> <folder>) places a library or program of src/<folder> on its floor: every build
 # checks the includes of its sources (CheckIncludes.cmake), and tarvo_check_floors(), run once all
-# targets are known, checks what it links. A library links only floors below its own; the display-free
-# floors (core, settings, engine) link no Qt Gui or Widgets, however indirectly; and only the Linux
-# platform links X11, libcanberra, Qt Network and Qt Multimedia.
+# targets are known, checks what it links. A library links only floors below its own (and a neighbour
+# that TARVO_FLOOR_NEIGHBOURS allows); the display-free floors (core, settings, engine) link no Qt Gui
+# or Widgets, however indirectly; and only the Linux platform links X11, libcanberra, Qt Network and
+# Qt Multimedia.
 include(${CMAKE_CURRENT_LIST_DIR}/TarvoFloorNumbers.cmake)
 set(TARVO_CHECK_INCLUDES ${CMAKE_CURRENT_LIST_DIR}/CheckIncludes.cmake)
 
@@ -71,7 +72,8 @@ function(tarvo_check_floors)
                 get_target_property(theirs_folder ${link} TARVO_FOLDER)
                 if(theirs_folder AND NOT theirs_folder STREQUAL folder)
                     tarvo_floor_of(${theirs_folder} theirs)
-                    if(NOT theirs LESS own)
+                    tarvo_floor_neighbour(${folder} ${theirs_folder} neighbour)
+                    if(NOT theirs LESS own AND NOT neighbour)
                         string(APPEND problems "  ${target} (src/${folder}, floor ${own}) links ${link} (src/${theirs_folder}, floor ${theirs})\n")
                     endif()
                 endif()

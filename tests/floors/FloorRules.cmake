@@ -33,6 +33,9 @@ expect(accepted engine "#include \"engine/Scheduler.h\"")
 expect(accepted platform/linux "#include \"platform/linux/QtTimer.h\"")
 expect(accepted platform/linux "#include <xcb/xcb.h>")
 expect(accepted micropause "QTimerEvent* event;")
+expect(accepted options "#include \"exercise/SchemeStore.h\"")         # the one allowed neighbour
+expect(refused exercise "#include \"options/SchemePage.h\"")            # but not the other way round
+expect(refused options "#include \"micropause/frmSound.h\"")
 
 if(failures)
     message(FATAL_ERROR "The include check is wrong:\n${failures}")
