@@ -8,17 +8,15 @@
 #include "engine/AppContext.h"
 #include "exercise/SchemeStore.h"
 #include "options/DigitField.h"
+#include "options/ExerciseListLook.h"
 #include "options/SchemeEditing.h"
 #include "options/frmAdd.h"
 #include "options/frmSaveAs.h"
 #include "ui_SchemePage.h"
 
 #include <QEvent>
-#include <QPainter>
-#include <QStyledItemDelegate>
 
 #include <algorithm>
-#include <functional>
 
 namespace tarvo {
 
@@ -27,28 +25,6 @@ namespace {
 constexpr int kIconRole = Qt::UserRole; // the item's small icon: 1 not done, 2 done
 const QString kSettingsSuffix = QStringLiteral(" settings");
 const QString kExercisesSection = QStringLiteral("Exercises");
-
-// A small check box, empty or ticked, drawn at both scales so that it stays sharp at 200 %.
-QIcon doneIcon(bool done) {
-    QIcon icon;
-    for (const int scale : {1, 2}) {
-        QPixmap pixmap(16 * scale, 16 * scale);
-        pixmap.setDevicePixelRatio(scale);
-        pixmap.fill(Qt::transparent);
-        QPainter p(&pixmap);
-        p.setRenderHint(QPainter::Antialiasing);
-        p.setPen(QPen(QColor(0x60, 0x60, 0x60), 1));
-        p.setBrush(Qt::white);
-        p.drawRect(QRectF(2.5, 2.5, 11, 11));
-        if (done) {
-            p.setPen(QPen(QColor(0x1b, 0x8a, 0x3a), 2.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-            p.drawPolyline(QPolygonF({QPointF(4.5, 8.5), QPointF(7, 11), QPointF(12, 5)}));
-        }
-        p.end();
-        icon.addPixmap(pixmap);
-    }
-    return icon;
-}
 
 // A group box title shows "&" as an access key; the exercise's title is plain text.
 QString asCaption(const QString& text) {
@@ -60,42 +36,16 @@ QString ofCaption(const QString& caption) {
 
 } // namespace
 
-// Edits titles only, and tells the page when an edit begins and ends.
-class SchemePage::TitleDelegate : public QStyledItemDelegate {
-public:
-    TitleDelegate(std::function<void(bool)> editing, QObject* parent)
-        : QStyledItemDelegate(parent)
-        , editing_(std::move(editing)) {}
-
-    void forget() {
-        editing_ = [](bool) {};
-    }
-
-    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
-                          const QModelIndex& index) const override {
-        if (index.column() != 0)
-            return nullptr;
-        editing_(true);
-        return QStyledItemDelegate::createEditor(parent, option, index);
-    }
-    void destroyEditor(QWidget* editor, const QModelIndex& index) const override {
-        QStyledItemDelegate::destroyEditor(editor, index);
-        editing_(false);
-    }
-
-private:
-    std::function<void(bool)> editing_;
-};
-
 SchemePage::SchemePage(AppContext& ctx, QWidget* parent)
     : QWidget(parent)
     , ui(std::make_unique<Ui::SchemePage>())
     , ctx_(ctx)
-    , media_(ctx.media, ctx.programFolder) {
+    , media_(ctx.media, ctx.programFolder)
+    , icons_{doneIcon(false), doneIcon(true)} {
     ui->setupUi(this);
     cmdReorder = {ui->cmdReorder_0, nullptr, ui->cmdReorder_2};
 
-    titleDelegate_ = new TitleDelegate([this](bool started) { titleEditing(started); }, this);
+    titleDelegate_ = new TitleEditDelegate([this](bool started) { titleEditing(started); }, this);
     ui->l->setItemDelegate(titleDelegate_);
     ui->l->header()->setStretchLastSection(false);
     ui->l->header()->setSectionResizeMode(0, QHeaderView::Stretch);
@@ -241,9 +191,8 @@ int SchemePage::smallIcon(const QTreeWidgetItem& item) {
 }
 
 void SchemePage::setSmallIcon(QTreeWidgetItem& item, int icon) const {
-    static const QIcon pictures[] = {doneIcon(false), doneIcon(true)};
     item.setData(0, kIconRole, icon);
-    item.setIcon(0, pictures[icon == 2 ? 1 : 0]);
+    item.setIcon(0, icons_[icon == 2 ? 1 : 0]);
 }
 
 void SchemePage::selectItem(QTreeWidgetItem* item) {

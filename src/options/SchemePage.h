@@ -2,6 +2,7 @@
 
 #include "controls/ExerciseMedia.h"
 
+#include <QIcon>
 #include <QPointer>
 #include <QWidget>
 
@@ -21,6 +22,7 @@ QT_END_NAMESPACE
 namespace tarvo {
 
 struct AppContext;
+class TitleEditDelegate;
 
 // "Exercise Schemes", the options dialog's third page: which scheme is current, its exercises in
 // order (title, length, done or not) and the details of the selected one, adding, removing and moving
@@ -80,8 +82,6 @@ private slots:
     void l_DblClick(QTreeWidgetItem* item);
 
 private:
-    class TitleDelegate;
-
     // Item k of the list (1 … count), and the position of the selected one (0 for none).
     QTreeWidgetItem* listItem(int k) const;
     int selectedPosition() const;
@@ -98,8 +98,9 @@ private:
     std::unique_ptr<Ui::SchemePage> ui;
     AppContext& ctx_;
     ExerciseMedia media_;
+    std::array<QIcon, 2> icons_;                  // not done, done
     std::array<QAbstractButton*, 3> cmdReorder{}; // there is no element 1
-    TitleDelegate* titleDelegate_ = nullptr;
+    TitleEditDelegate* titleDelegate_ = nullptr;
     // Controls of the dialog around the page, which may go before it.
     QPointer<QComboBox> cmbSchemes2_;
     QPointer<QPushButton> cmdOK_;
