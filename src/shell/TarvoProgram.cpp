@@ -10,7 +10,7 @@
 #include "engine/AppContext.h"
 #include "engine/BreakEngine.h"
 #include "exercise/ExerciseScreens.h"
-#include "exercise/SchemeStore.h"
+#include "engine/SchemeStore.h"
 #include "micropause/WarningSounds.h"
 #include "micropause/frmTarvo.h"
 #include "settings/LoadAndCommit.h"

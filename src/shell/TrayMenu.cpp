@@ -1,7 +1,7 @@
 #include "shell/TrayMenu.h"
 
 #include "core/RuntimeError.h"
-#include "exercise/SchemeStore.h"
+#include "engine/SchemeStore.h"
 #include "shell/TrayActions.h"
 
 #include <QAction>

@@ -3,7 +3,7 @@
 // the shipped schemes, imported by the real regedit, name exactly those files. Also leaves a contact
 // sheet of every exercise in the build's screenshots folder for a person to look at.
 #include "engine/ExerciseTable.h"
-#include "exercise/SchemeStore.h"
+#include "engine/SchemeStore.h"
 #include "platform/linux/FileRegistryStore.h"
 #include "settings/SettingsStore.h"
 #include "support/AviReader.h"

@@ -1,8 +1,7 @@
-// The options dialog's logic without the dialog: the digit filter, and Apply's silent corrections,
-// its writes in the store's order, the running countdowns, and an unreadable exercise field.
+// Apply without the dialog: its silent corrections, its writes in the store's order, the running
+// countdowns, and an unreadable exercise field.
 #include "core/RuntimeError.h"
 #include "engine/EngineRig.h"
-#include "options/DigitFilter.h"
 #include "options/OptionFields.h"
 #include "support/Raised.h"
 
@@ -36,24 +35,6 @@ class TestApplyOptions : public QObject {
     Q_OBJECT
 
 private slots:
-    void digitFilter() {
-        struct Case {
-            const char* text;
-            bool selected;
-            char key;
-            bool passes;
-        };
-        const Case cases[] = {
-            {"99", false, '7', true}, {"100", false, '1', false}, {"100", true, '5', true},
-            {"", false, '0', true},   {"5", false, 'a', false},   {"5", false, '\b', true},
-            {"0", false, '0', false}, {"12x", false, '3', true},  {"99999999999", false, '1', false},
-        };
-        for (const Case& c : cases) {
-            const std::int16_t got = CheckNumText(c.key, QLatin1String(c.text), c.selected, 1, 999);
-            QVERIFY2((got == c.key) == c.passes && (got == 0) == !c.passes, c.text);
-        }
-    }
-
     // Each micropause field is corrected into its range, an unreadable one gets its value back first
     // (then, as nothing was read before it, the lower bound); a typed interval may pass the spinner.
     void micropauseFieldsAreCorrected() {

@@ -2,7 +2,7 @@
 // and pichook, which pops it up: the tray icon's messages decoded from twips, the busy flag, and the
 // other instance's key codes.
 #include "core/RuntimeError.h"
-#include "exercise/SchemeStore.h"
+#include "engine/SchemeStore.h"
 #include "platform/fake/FakeTrayIcon.h"
 #include "platform/fake/MemoryRegistryStore.h"
 #include "settings/SettingsStore.h"

@@ -1,7 +1,7 @@
 // Schemes between the store and the exercise table: the title-entry bookkeeping, shorter saves, bad
 // numbers, and the scheme list. (Names with quotes or backslashes are the store file codec's concern.)
 #include "core/RuntimeError.h"
-#include "exercise/SchemeStore.h"
+#include "engine/SchemeStore.h"
 #include "platform/fake/MemoryRegistryStore.h"
 #include "settings/SettingsStore.h"
 #include "support/Raised.h"

@@ -1,4 +1,4 @@
-#include "exercise/SchemeStore.h"
+#include "engine/SchemeStore.h"
 
 #include "core/Checked.h"
 #include "core/RegistryStore.h"
