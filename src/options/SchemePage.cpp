@@ -235,16 +235,26 @@ void SchemePage::titleEditing(bool started) {
 
 // --- schemes ---
 
-void SchemePage::cmbSchemes_Click() {
-    if (fillingSchemes_)
-        return;
+void SchemePage::chooseScheme(const QString& name) {
+    LoadSchemes();
+    showSchemeAt(ui->cmbSchemes->findText(name, Qt::MatchFixedString));
+    switchScheme(name);
+}
+
+void SchemePage::switchScheme(const QString& name) {
     ExerciseTable& table = ctx_.exercises;
     LtoExercises();
     SaveScheme(ctx_.settings, table.CurrentScheme, table.Exercises, table.ExerciseCount);
-    table.CurrentScheme = ui->cmbSchemes->currentText();
+    table.CurrentScheme = name;
     LoadScheme(ctx_.settings, table, table.CurrentScheme);
     LoadL();
     DetailIt();
+}
+
+void SchemePage::cmbSchemes_Click() {
+    if (fillingSchemes_)
+        return;
+    switchScheme(ui->cmbSchemes->currentText());
     if (cmbSchemes2_ && cmbSchemes2_->currentIndex() != ui->cmbSchemes->currentIndex())
         cmbSchemes2_->setCurrentIndex(ui->cmbSchemes->currentIndex());
 }

@@ -62,6 +62,10 @@ public:
     // page keeps them there whenever the list moves or changes size.)
     void layOut();
 
+    // Another scheme chosen elsewhere (the tray's scheme list), taken as a choice in cmbSchemes: the
+    // scheme left is saved with the list's edits, and list and table show the chosen one.
+    void chooseScheme(const QString& name);
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -92,6 +96,8 @@ private:
     void selectItem(QTreeWidgetItem* item);
     // Both scheme lists at one position, without either running its choice.
     void showSchemeAt(int index);
+    // Saves the scheme being left, with the list's edits, then loads and shows the named one.
+    void switchScheme(const QString& name);
     void placeOverlays();
     void titleEditing(bool started);
 

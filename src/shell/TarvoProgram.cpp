@@ -9,10 +9,12 @@
 #include "core/SingleInstance.h"
 #include "engine/AppContext.h"
 #include "engine/BreakEngine.h"
-#include "exercise/ExerciseScreens.h"
 #include "engine/SchemeStore.h"
+#include "exercise/ExerciseScreens.h"
 #include "micropause/WarningSounds.h"
+#include "micropause/frmSound.h"
 #include "micropause/frmTarvo.h"
+#include "options/frmSettings.h"
 #include "settings/LoadAndCommit.h"
 #include "settings/Options.h"
 #include "shell/SecondStart.h"
@@ -68,9 +70,8 @@ void TarvoProgram::startRunning() {
     form_->attach(*engine_);
     exerciseScreens_->attach(engine_->exercise());
     exerciseScreens_->setAfterBreak(shell_.releaseFreedMemory);
-    // The options dialog brings its item with it.
     TrayActions& actions = *this;
-    menu_ = std::make_unique<TrayMenu>(ctx_.settings, actions, TrayMenu::Offers{false, true});
+    menu_ = std::make_unique<TrayMenu>(ctx_.settings, actions);
     hook_ = std::make_unique<TrayHook>(shell_.tray, *menu_, actions, TrayHook::screenTwipsPerPixelX());
     running_ = true;
     if (auto* version = form_->findChild<QLabel*>(QStringLiteral("lblVersion")))
@@ -129,6 +130,8 @@ void TarvoProgram::Form_Unload() {
     hook_->removeIcon();
     ctx_.settings.writeNumber(option("tray"), 0);
     exerciseScreens_->CloseVideo();
+    if (settingsForm_)
+        settingsForm_->hide();
     shell_.instance.release();
 }
 
@@ -146,7 +149,20 @@ void TarvoProgram::monitorRead(int channel, std::int32_t on) {
 }
 
 void TarvoProgram::LoadMeUp() {
-    // The options dialog is not there yet: its item is not in the menu, and a double click opens nothing.
+    if (!settingsForm_) {
+        frmSettings::Neighbours& neighbours = *this;
+        settingsForm_ = std::make_unique<frmSettings>(ctx_, *engine_, neighbours);
+    }
+    settingsForm_->LoadMeUp();
+}
+
+void TarvoProgram::warningChanged(const QString& warning) {
+    form_->setWarning(warning);
+}
+
+void TarvoProgram::chooseSound(int index, QWidget* parent) {
+    frmSound sound(ctx_.record, index, ctx_.files, parent);
+    sound.exec();
 }
 
 void TarvoProgram::showStatus() {
@@ -170,6 +186,12 @@ void TarvoProgram::exerciseNow() {
 }
 
 void TarvoProgram::useScheme(const QString& name) {
+    // Once the options dialog has shown its scheme editor, the editor's list is the working copy of the
+    // loaded scheme: the choice goes through it, so that list and table stay one scheme.
+    if (settingsForm_) {
+        settingsForm_->chooseScheme(name);
+        return;
+    }
     ctx_.exercises.CurrentScheme = name;
     LoadScheme(ctx_.settings, ctx_.exercises, name);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "options/frmSettings.h"
 #include "settings/SettingsPort.h"
 #include "shell/TrayActions.h"
 
@@ -21,6 +22,7 @@ class TrayIcon;
 class TrayMenu;
 class WarningSounds;
 class frmAboutKelmar;
+class frmSettings;
 class frmTarvo;
 
 // The seams that only start-up, shut-down and the tray use, and what the program was started with.
@@ -36,7 +38,7 @@ struct ShellContext {
 // The program's life: start-up (Form_Load), first-run initialisation and shut-down (Form_Unload), and
 // the one place where the subsystems are put together: the engine with its main form, the tray icon
 // with its menu, and what the menu's items do.
-class TarvoProgram : private SettingsPort, private TrayActions {
+class TarvoProgram : private SettingsPort, private TrayActions, private frmSettings::Neighbours {
 public:
     TarvoProgram(AppContext& context, ShellContext shell, QIcon icon);
     ~TarvoProgram() override;
@@ -75,6 +77,10 @@ private:
     void useScheme(const QString& name) override;
     void shutdown() override;
 
+    // What the options dialog asks of the forms beside it.
+    void warningChanged(const QString& warning) override;
+    void chooseSound(int index, QWidget* parent) override;
+
     AppContext& ctx_;
     ShellContext shell_;
     QIcon icon_;
@@ -85,6 +91,7 @@ private:
     std::unique_ptr<TrayMenu> menu_;
     std::unique_ptr<TrayHook> hook_;
     std::unique_ptr<frmAboutKelmar> about_;
+    std::unique_ptr<frmSettings> settingsForm_; // made at its first opening
     bool running_ = false;
 };
 

@@ -9,7 +9,7 @@
 
 namespace tarvo {
 
-TrayMenu::TrayMenu(SettingsStore& settings, TrayActions& actions, Offers offers, QObject* parent)
+TrayMenu::TrayMenu(SettingsStore& settings, TrayActions& actions, QObject* parent)
     : QObject(parent)
     , settings_(settings)
     , actions_(actions)
@@ -17,20 +17,17 @@ TrayMenu::TrayMenu(SettingsStore& settings, TrayActions& actions, Offers offers,
     mnuPopup_->setObjectName(QStringLiteral("mnuPopup"));
     mnuPopup_->setTitle(QStringLiteral("Popup"));
 
-    if (offers.options) {
-        QAction* options =
-            addItem(QStringLiteral("mnuPopupOptions"), tr("&Options..."), &TrayMenu::mnuPopupOptions_Click);
-        QFont bold = options->font();
-        bold.setBold(true);
-        options->setFont(bold);
-        mnuPopup_->setDefaultAction(options);
-    }
+    QAction* options =
+        addItem(QStringLiteral("mnuPopupOptions"), tr("&Options..."), &TrayMenu::mnuPopupOptions_Click);
+    QFont bold = options->font();
+    bold.setBold(true);
+    options->setFont(bold);
+    mnuPopup_->setDefaultAction(options);
     addItem(QStringLiteral("mnuPopupStatus"), tr("&Status..."), &TrayMenu::mnuPopupStatus_Click);
     addItem(QStringLiteral("mnuPopupAbout"), tr("&About..."), &TrayMenu::mnuPopupAbout_Click);
     addSeparator(QStringLiteral("mnuPopupDash1"));
     addItem(QStringLiteral("mnuDemoMicropause"), tr("&Micropause Now!"), &TrayMenu::mnuDemoMicropause_Click);
-    if (offers.exerciseNow)
-        addItem(QStringLiteral("mnuExercise"), tr("&Exercise Now!"), &TrayMenu::mnuExercise_Click);
+    addItem(QStringLiteral("mnuExercise"), tr("&Exercise Now!"), &TrayMenu::mnuExercise_Click);
     addSeparator(QStringLiteral("mnuPopupDash3"));
     mnuPopupDash2_ = addSeparator(QStringLiteral("mnuPopupDash2"));
     mnuPopup_->insertAction(mnuPopupDash2_, makeSchemeItem(1));

@@ -21,14 +21,7 @@ class TrayMenu : public QObject {
     Q_OBJECT
 
 public:
-    // The items that wait for their part of the program: until the options dialog and the exercise
-    // break are there, "&Options..." and "&Exercise Now!" are not in the menu at all.
-    struct Offers {
-        bool options = true;
-        bool exerciseNow = true;
-    };
-
-    TrayMenu(SettingsStore& settings, TrayActions& actions, Offers offers, QObject* parent = nullptr);
+    TrayMenu(SettingsStore& settings, TrayActions& actions, QObject* parent = nullptr);
     ~TrayMenu() override;
 
     QMenu& mnuPopup() { return *mnuPopup_; }

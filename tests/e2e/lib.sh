@@ -61,6 +61,24 @@ visible_window() { xdotool search --onlyvisible --name "$1" >/dev/null 2>&1; }
 shown() { xdotool search --onlyvisible --pid "$tarvo" 2>/dev/null | wc -l; }
 more_shown_than() { [ "$(shown)" -gt "$1" ]; }
 
+# The icon docks: one of the program's windows ends up inside trayer's panel. Prints that window.
+docked_icon() {
+    local w p
+    for w in $(xdotool search --pid "$tarvo" 2>/dev/null); do
+        p=$w
+        for _ in 1 2 3 4 5 6; do
+            p=$(xwininfo -children -id "$p" 2>/dev/null | awk '/Parent window id/{print $4}')
+            # Stop at the root: xwininfo would wait for a click when asked about window 0.
+            [ -n "$p" ] && [ "$((p))" != 0 ] || break
+            if xprop -id "$p" WM_CLASS 2>/dev/null | grep -q '"trayer"'; then
+                echo "$w"
+                return 0
+            fi
+        done
+    done
+    return 1
+}
+
 # Starts the program in the folder $bin as the running instance ($tarvo), after importing settings
 # given as lines of a registry file below the program's root key (none: a first start).
 start_tarvo() { # [<.reg lines>...]

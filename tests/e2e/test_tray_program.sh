@@ -20,23 +20,6 @@ right_click_shows_the_menu() { # <x> <y>
     wait_for 50 more_shown_than "$before" || fail "a right click on $3 showed no menu"
 }
 
-# The icon docks: one of the program's windows ends up inside trayer's panel.
-docked_icon() {
-    local w p
-    for w in $(xdotool search --pid "$tarvo" 2>/dev/null); do
-        p=$w
-        for _ in 1 2 3 4 5 6; do
-            p=$(xwininfo -children -id "$p" 2>/dev/null | awk '/Parent window id/{print $4}')
-            # Stop at the root: xwininfo would wait for a click when asked about window 0.
-            [ -n "$p" ] && [ "$((p))" != 0 ] || break
-            if xprop -id "$p" WM_CLASS 2>/dev/null | grep -q '"trayer"'; then
-                echo "$w"
-                return 0
-            fi
-        done
-    done
-    return 1
-}
 wait_for 100 stand_in_shown || fail "no stand-in window without a notification area"
 eval "$(xdotool getwindowgeometry --shell "$(xdotool search --onlyvisible --name '^Tarvo Micropause$' | head -n 1)")"
 right_click_shows_the_menu $((X + WIDTH / 2)) $((Y + HEIGHT / 2)) "the stand-in window"

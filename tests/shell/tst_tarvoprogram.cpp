@@ -3,6 +3,7 @@
 #include "core/RuntimeError.h"
 #include "core/Timer.h"
 #include "engine/BreakEngine.h"
+#include "engine/SchemeStore.h"
 #include "micropause/frmTarvo.h"
 #include "platform/fake/FakeSingleInstance.h"
 #include "platform/fake/FakeTrayIcon.h"
@@ -10,13 +11,18 @@
 #include "shell/FatalError.h"
 #include "shell/ProgramIcon.h"
 #include "shell/TarvoProgram.h"
+#include "shell/TrayMenu.h"
 #include "support/FakeContext.h"
 #include "support/Programs.h"
 #include "support/Raised.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QComboBox>
 #include <QMenu>
+#include <QPushButton>
 #include <QTemporaryDir>
+#include <QTreeWidget>
 #include <QtTest>
 
 using namespace tarvo;
@@ -115,6 +121,34 @@ private slots:
         QCOMPARE(rig.writtenKeys(), QStringList{"Options/tray=0"});
         QCOMPARE(rig.media.commands().last(), "close tarvox");
         QVERIFY(!rig.instance.holdsLock() && !rig.instance.isListening());
+    }
+
+    // A double click opens the options dialog. A scheme chosen in the tray while the dialog's editor
+    // shows another goes through the editor, so that Apply saves each scheme's exercises under its own
+    // name and stores the scheme that is loaded.
+    void oneOwnerOfTheCurrentScheme() {
+        Rig rig;
+        rig.store.model().setValue("Options", "Initialised", "1");
+        writeSchemeList(rig.ctx.settings, {"*Medium break", "Mine"});
+        SaveScheme(rig.ctx.settings, "Mine", {{}, {"mine.avi", "Mine only", 1, 40}}, 1);
+        SaveScheme(rig.ctx.settings, "*Medium break", {{}, {"a.avi", "A", 1, 20}, {"b.avi", "B", 1, 20}}, 2);
+        QVERIFY(rig.program.Form_Load());
+        rig.tray.deliver(0x203);
+        QWidget* dialog = nullptr;
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (w->objectName() == "frmSettings")
+                dialog = w;
+        QVERIFY(dialog && dialog->isVisible());
+
+        rig.program.menu().LoadMnuX();
+        rig.program.menu().mnuPopup().findChild<QAction*>("mnuX_2")->trigger();
+        QCOMPARE(rig.ctx.exercises.CurrentScheme, "Mine");
+        QCOMPARE(dialog->findChild<QComboBox*>("cmbSchemes")->currentText(), "Mine");
+        QCOMPARE(dialog->findChild<QTreeWidget*>("l")->topLevelItemCount(), 1);
+        QTest::mouseClick(dialog->findChild<QPushButton*>("cmdApply"), Qt::LeftButton);
+        QCOMPARE(rig.store.model().value("Exercise", "Scheme"), std::optional<QString>("Mine"));
+        QCOMPARE(rig.store.model().value("SchemeMine", "1"), std::optional<QString>("mine.avi"));
+        QCOMPARE(rig.store.model().value("Scheme*Medium break", "2"), std::optional<QString>("b.avi"));
     }
 
     void theEditorChoice() {

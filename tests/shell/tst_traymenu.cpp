@@ -72,7 +72,7 @@ private slots:
         actions_ = Actions();
         icon_.onPopUp = [this](QMenu&) { actions_.log << "popup"; };
         writeSchemeList(settings_, {"*Medium break", "Mine"});
-        menu_ = std::make_unique<TrayMenu>(settings_, actions_, TrayMenu::Offers{});
+        menu_ = std::make_unique<TrayMenu>(settings_, actions_);
         hook_ = std::make_unique<TrayHook>(icon_, *menu_, actions_, kTwips);
     }
 
@@ -85,13 +85,6 @@ private slots:
                                              "mnuPopupDash2 -", "mnuShutdownTarvo Sh&utdown Tarvo"}));
         QCOMPARE(menu_->mnuPopup().defaultAction(), menu_->mnuPopup().actions().first()); // Options
         QVERIFY(menu_->mnuPopup().defaultAction()->font().bold());
-
-        // Until the options dialog and the exercise break exist, their items stay out.
-        TrayMenu shorter(settings_, actions_, TrayMenu::Offers{false, false});
-        QCOMPARE(items(shorter).size(), 8);
-        QVERIFY(!items(shorter).join(' ').contains("Options") &&
-                !items(shorter).join(' ').contains("Exercise"));
-        QCOMPARE(shorter.mnuPopup().defaultAction(), nullptr);
     }
 
     // The list is read again on every call, in stored order; a shorter list takes surplus items away.
