@@ -46,6 +46,12 @@ xdotool key alt+a
 wait_for 50 grep -q '"InterruptEvery"="999"' "$store" || fail "Apply did not store the typed \"InterruptEvery\" 999"
 grep -q '"EveryM"="1"' "$store" || fail "Apply did not store the typed \"EveryM\" 1"
 echo "ok - typed values, past the spinner's bound, are applied and stored"
+before=$(shown)
+"$bin/tarvo" &
+pids+=($!)
+wait_for 50 more_shown_than "$before" || fail "a second start while the dialog is open did not pop up the menu"
+xdotool key Escape
+echo "ok - a second start while the dialog is open pops up the menu"
 wait_for 700 visible_window '^Exercise\.\.\.$' || fail "the exercise break did not move to the new interval"
 echo "ok - the next exercise break comes at the new interval"
 kill "$tarvo"
