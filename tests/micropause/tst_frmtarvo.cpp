@@ -2,11 +2,10 @@
 // shows and hides its parts, the countdown bar is drawn, and Esc and the hint reach the engine.
 #include "core/RuntimeError.h"
 #include "engine/BreakEngine.h"
-#include "engine/ExerciseView.h"
-#include "engine/Warnings.h"
 #include "micropause/PictureBox.h"
 #include "micropause/frmTarvo.h"
 #include "support/FakeContext.h"
+#include "support/QuietViews.h"
 #include "support/Raised.h"
 
 #include <QLabel>
@@ -17,20 +16,6 @@
 using namespace tarvo;
 
 namespace {
-
-// What is heard and when, and the exercise breaks, are the engine's and their own tests' concern.
-struct Elsewhere : Warnings, ExerciseView {
-    void AudibleWarningPre() override {}
-    void AudibleWarning() override {}
-    void AudibleWarningX() override {}
-    void AudibleNotification() override {}
-    void showExercisePrompt() override {}
-    void preparePlayer() override {}
-    void setPlayerCaption(const QString&) override {}
-    void CloseVideo() override {}
-    void showExercise(const QString&, bool) override {}
-    void dismissPlayer() override {}
-};
 
 // The black covers shown over the screens other than the break's.
 int coversShown() {
@@ -52,7 +37,7 @@ int litColumns(const PictureBox* canvas) {
 
 // The main form and its engine on simulated time.
 struct FormRig : FakeContext {
-    Elsewhere elsewhere;
+    QuietViews elsewhere; // what is heard, and the exercise breaks: the engine's and their own tests
     frmTarvo form;
     BreakEngine engine{ctx, form, elsewhere, elsewhere};
 
