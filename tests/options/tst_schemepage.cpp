@@ -109,7 +109,7 @@ class TestSchemePage : public QObject {
     Q_OBJECT
 
 private slots:
-    void controlsAndFirstFill() {
+    void theDefaultSchemeIsShownOnOpening() {
         Rig r;
         QCOMPARE(r.l()->headerItem()->text(0), "     Exercise");
         QCOMPARE(r.titles(), QStringList({"Medi1", "Medi2", "Medi3"}));
