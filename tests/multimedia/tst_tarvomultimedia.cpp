@@ -151,9 +151,7 @@ private slots:
     void anUnwritableFolderIsNamedAndLeftClean() {
         // Root may write anywhere, so the folder is made impossible: its parent is a file.
         QTemporaryDir scratch;
-        QFile blocker(scratch.filePath("blocker"));
-        QVERIFY(blocker.open(QIODevice::WriteOnly));
-        blocker.close();
+        QVERIFY(writeFile(scratch.filePath("blocker"), {}));
         const QString folder = scratch.filePath("blocker/media");
         const ProgramRun r = run("tarvomultimedia", {folder});
         QCOMPARE(r.status, 1);

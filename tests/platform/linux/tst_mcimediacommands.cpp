@@ -98,13 +98,13 @@ private slots:
         QVERIFY(writeFile(dir.filePath("damaged.avi"), readFile(kVideo).left(3000)));
 
         MciMediaCommands media(TARVO_PROGRAM_DIR "/tarvovideo");
-        const auto play = [&](const QString& file) {
-            media.send("open \"" + file + "\" type AVIVideo alias tarvox parent " + parent +
-                       " style 1073741824");
-            media.send("put tarvox window at 0 0 319 239");
-            media.send("play tarvox repeat");
+        const auto play = [&](MciMediaCommands& player, const QString& file) {
+            player.send("open \"" + file + "\" type AVIVideo alias tarvox parent " + parent +
+                        " style 1073741824");
+            player.send("put tarvox window at 0 0 319 239");
+            player.send("play tarvox repeat");
         };
-        play(kVideo);
+        play(media, kVideo);
         QTRY_COMPARE_WITH_TIMEOUT(mappedChildren(host.winId()), 1, 10000);
         const auto picture = [&] { return host.screen()->grabWindow(0, 0, 0, 319, 239).toImage(); };
         QTRY_VERIFY_WITH_TIMEOUT(picture().pixelColor(160, 120) != QColor(Qt::black), 10000);
@@ -113,7 +113,7 @@ private slots:
         media.send("close tarvox");
         QTRY_COMPARE(mappedChildren(host.winId()), 0);
 
-        play(dir.filePath("damaged.avi"));
+        play(media, dir.filePath("damaged.avi"));
         QTest::qWait(1500); // nothing is to appear: give the helper the time a good file needs
         QCOMPARE(mappedChildren(host.winId()), 0);
         media.send("close tarvox");
@@ -122,10 +122,7 @@ private slots:
         qputenv("GST_PLUGIN_SYSTEM_PATH_1_0", QFile::encodeName(dir.path()));
         qputenv("GST_REGISTRY_1_0", QFile::encodeName(dir.filePath("registry.bin")));
         MciMediaCommands bare(TARVO_PROGRAM_DIR "/tarvovideo");
-        bare.send("open \"" + kVideo + "\" type AVIVideo alias tarvox parent " + parent +
-                  " style 1073741824");
-        bare.send("put tarvox window at 0 0 319 239");
-        bare.send("play tarvox repeat");
+        play(bare, kVideo);
         QTest::qWait(1500);
         QCOMPARE(mappedChildren(host.winId()), 0);
         QVERIFY(host.isVisible());

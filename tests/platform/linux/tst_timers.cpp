@@ -1,4 +1,6 @@
-// The real time seams: the tick count's base, and the form timer's semantics on QTimer.
+// The real time seams: the tick count's base, and the form timer's semantics on QTimer; and the file
+// dialog's filter as Qt takes it.
+#include "platform/linux/QtFileDialog.h"
 #include "platform/linux/QtTimer.h"
 #include "platform/linux/SystemClock.h"
 
@@ -56,6 +58,13 @@ private slots:
         const int probed = ticks.count[&probe];
         QTRY_VERIFY_WITH_TIMEOUT(ticks.count[&probe] >= probed + 5 && ticks.count[&zero] >= 1, 5000);
         QCOMPARE(ticks.count[&timer], stopped);
+    }
+
+    void fileDialogFilterForQt() {
+        QCOMPARE(QtFileDialog::nameFilters("Audio|*.wav|All files|*.*"),
+                 QStringList({"Audio (*.wav)", "All files (*)"}));
+        QCOMPARE(QtFileDialog::nameFilters("Media|*.avi; *.bmp|Odd"), QStringList{"Media (*.avi *.bmp)"});
+        QCOMPARE(QtFileDialog::nameFilters(QString()), QStringList());
     }
 };
 
