@@ -88,6 +88,33 @@ private:
     qsizetype pos_ = 0;
 };
 
+// Lines end in CRLF, LF, or CR alone (as old Mac editors wrote them).
+QList<QStringView> splitLines(QStringView text) {
+    QList<QStringView> lines;
+    qsizetype start = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] != QLatin1Char('\r') && text[i] != QLatin1Char('\n'))
+            continue;
+        lines.append(text.mid(start, i - start));
+        if (text[i] == QLatin1Char('\r') && i + 1 < text.size() && text[i + 1] == QLatin1Char('\n'))
+            ++i;
+        start = i + 1;
+    }
+    lines.append(text.mid(start));
+    return lines;
+}
+
+bool isComment(QStringView trimmed) {
+    return trimmed.startsWith(QLatin1Char(';')) || trimmed.startsWith(QLatin1Char('#'));
+}
+
+// Whether a line can carry on the data of a typed value whose line ended in "\": a line that opens
+// a key or a value starts something new, so a stray "\" does not swallow it.
+bool continuesData(QStringView trimmed) {
+    return !trimmed.startsWith(QLatin1Char('[')) && !trimmed.startsWith(QLatin1Char('"')) &&
+           !trimmed.startsWith(QLatin1Char('@'));
+}
+
 QByteArray parseHexBytes(QStringView data, const LineReader& reader) {
     QByteArray bytes;
     for (QStringView part : data.split(QLatin1Char(','))) {
@@ -130,7 +157,7 @@ bool isBlankRegFile(const QByteArray& bytes) {
 
 std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& fileName) {
     const QString text = decode(bytes);
-    const QList<QStringView> lines = QStringView(text).split(QLatin1Char('\n'));
+    const QList<QStringView> lines = splitLines(text);
     std::vector<RegStatement> out;
 
     int lineNo = 0;
@@ -141,10 +168,7 @@ std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& f
 
     for (qsizetype i = 0; i < lines.size(); ++i) {
         lineNo = static_cast<int>(i) + 1;
-        QStringView line = lines[i];
-        if (line.endsWith(QLatin1Char('\r')))
-            line.chop(1);
-        const QStringView trimmed = line.trimmed();
+        const QStringView trimmed = lines[i].trimmed();
         if (trimmed.isEmpty())
             continue;
         if (!headerSeen) {
@@ -157,7 +181,7 @@ std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& f
                                 QStringLiteral("not a registry file: it must begin with \"%1\" or \"%2\"")
                                     .arg(kRegedit4, kRegedit5));
         }
-        if (trimmed.startsWith(QLatin1Char(';')))
+        if (isComment(trimmed))
             continue;
 
         if (trimmed.startsWith(QLatin1Char('['))) {
@@ -168,6 +192,8 @@ std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& f
             const bool remove = path.startsWith(QLatin1Char('-'));
             if (remove)
                 path = path.mid(1);
+            while (path.endsWith(QLatin1Char('\\'))) // "[key\]" is the key itself
+                path.chop(1);
             if (path.isEmpty())
                 throw RegParseError(fileName, lineNo, QStringLiteral("the key name is empty"));
             currentKey = path.toString();
@@ -188,9 +214,11 @@ std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& f
 
         LineReader reader(trimmed, fileName, lineNo);
         QString name;
-        const bool defaultValue = reader.take(QLatin1Char('@'));
-        if (!defaultValue)
+        bool defaultValue = reader.take(QLatin1Char('@'));
+        if (!defaultValue) {
             name = reader.quoted(QStringLiteral("the value name"));
+            defaultValue = name.isEmpty(); // "" names the default value as @ does
+        }
         reader.skipBlanks();
         if (!reader.take(QLatin1Char('=')))
             reader.fail(QStringLiteral("expected \"=\" after the value name"));
@@ -203,13 +231,21 @@ std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& f
         } else if (reader.peek() == QLatin1Char('"')) {
             st.text = reader.quoted(QStringLiteral("the value"));
         } else {
-            // A typed value: "dword:0000000f", "hex:..", "hex(1):..", possibly continued with "\".
+            // A typed value: "dword:0000000f", "hex:..", "hex(1):..", possibly continued with "\" over
+            // the following lines, between which blank and comment lines may sit. A "\" at the end of
+            // the file continues into nothing.
             typed = true;
-            QString data = reader.rest().toString();
-            while (data.trimmed().endsWith(QLatin1Char('\\')) && i + 1 < lines.size()) {
-                data = data.trimmed();
+            QString data = reader.rest().trimmed().toString();
+            while (data.endsWith(QLatin1Char('\\'))) {
                 data.chop(1);
-                data += lines[++i].trimmed().toString();
+                qsizetype next = i + 1;
+                while (next < lines.size() &&
+                       (lines[next].trimmed().isEmpty() || isComment(lines[next].trimmed())))
+                    ++next;
+                if (next >= lines.size() || !continuesData(lines[next].trimmed()))
+                    break;
+                i = next;
+                data += lines[i].trimmed().toString();
             }
             const qsizetype colon = data.indexOf(QLatin1Char(':'));
             if (colon < 0)
