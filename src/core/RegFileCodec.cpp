@@ -11,11 +11,25 @@ namespace {
 const QString kRegedit4 = QStringLiteral("REGEDIT4");
 const QString kRegedit5 = QStringLiteral("Windows Registry Editor Version 5.00");
 
+// UTF-16 text as Windows keeps it may hold halves of surrogate pairs, which have no UTF-8 form: they
+// read as the replacement character, as the store would write them back, so that a setting reads the
+// same after the store wrote it.
+QString decodeUtf16(const QByteArray& bytes, QStringDecoder::Encoding encoding) {
+    QString text = QStringDecoder(encoding).decode(bytes);
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate())
+            ++i;
+        else if (text[i].isSurrogate())
+            text[i] = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
 QString decode(const QByteArray& bytes) {
     if (bytes.startsWith("\xFF\xFE"))
-        return QStringDecoder(QStringDecoder::Utf16LE).decode(bytes.mid(2));
+        return decodeUtf16(bytes.mid(2), QStringDecoder::Utf16LE);
     if (bytes.startsWith("\xFE\xFF"))
-        return QStringDecoder(QStringDecoder::Utf16BE).decode(bytes.mid(2));
+        return decodeUtf16(bytes.mid(2), QStringDecoder::Utf16BE);
     const QByteArray body = bytes.startsWith("\xEF\xBB\xBF") ? bytes.mid(3) : bytes;
     QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     QString text = utf8.decode(body);
@@ -133,7 +147,7 @@ QByteArray parseHexBytes(QStringView data, const LineReader& reader) {
 // A hex(1) value is a text value spelled out as bytes: UTF-16LE in version 5 files, the 8-bit code
 // page in REGEDIT4 files; either ends with a terminating zero, which is not part of the text.
 QString textOfHexString(const QByteArray& bytes, bool unicode) {
-    QString text = unicode ? QStringDecoder(QStringDecoder::Utf16LE).decode(bytes) : decode(bytes);
+    QString text = unicode ? decodeUtf16(bytes, QStringDecoder::Utf16LE) : decode(bytes);
     while (text.endsWith(QChar(0)))
         text.chop(1);
     return text;

@@ -101,6 +101,17 @@ private slots:
         }
     }
 
+    // UTF-16 files may hold halves of surrogate pairs, which UTF-8 cannot: they read as U+FFFD, as the
+    // store writes them back, so that a setting reads the same after the store wrote it.
+    void unpairedSurrogatesReadAsWrittenBack() {
+        const QString text = "Windows Registry Editor Version 5.00\r\n[" + kKey + "\\O" + QChar(0xD9D9) +
+                             "]\r\n\"a\"=\"" + QChar(0xDC00) +
+                             "x\U0001F600\"\r\n\"b\"=hex(1):00,d8,41,00,00,00\r\n";
+        const QByteArray file =
+            "\xFF\xFE" + QByteArray(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
+        QCOMPARE(summary(file), "+O\uFFFD O\uFFFD:a=\uFFFDx\U0001F600 O\uFFFD:b=\uFFFDA");
+    }
+
     void deletionsAndForeignKeys() {
         const QByteArray file =
             QStringLiteral("REGEDIT4\n[-%1\\Scheme old]\n\"ignored\"=\"below a deleted key\"\n"
