@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, then builds and runs every test twice: in the normal build and in the
-# AddressSanitizer + UndefinedBehaviorSanitizer build. Also checks the formatting of the sources.
+# AddressSanitizer + UndefinedBehaviorSanitizer build. Also checks the formatting of the sources, and
+# fuzzes the parsers of outside text for 20 seconds each.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
@@ -26,3 +27,6 @@ export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:detect_stack_use_after_retur
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 export LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp:print_suppressions=0
 (cd build-asan && ctest --output-on-failure -j "$jobs")
+
+echo "== fuzzing (20 s per target)"
+scripts/fuzz.sh 20

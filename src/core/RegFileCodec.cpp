@@ -11,11 +11,25 @@ namespace {
 const QString kRegedit4 = QStringLiteral("REGEDIT4");
 const QString kRegedit5 = QStringLiteral("Windows Registry Editor Version 5.00");
 
+// UTF-16 text as Windows keeps it may hold halves of surrogate pairs, which have no UTF-8 form: they
+// read as the replacement character, as the store would write them back, so that a setting reads the
+// same after the store wrote it.
+QString decodeUtf16(const QByteArray& bytes, QStringDecoder::Encoding encoding) {
+    QString text = QStringDecoder(encoding).decode(bytes);
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate())
+            ++i;
+        else if (text[i].isSurrogate())
+            text[i] = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
 QString decode(const QByteArray& bytes) {
     if (bytes.startsWith("\xFF\xFE"))
-        return QStringDecoder(QStringDecoder::Utf16LE).decode(bytes.mid(2));
+        return decodeUtf16(bytes.mid(2), QStringDecoder::Utf16LE);
     if (bytes.startsWith("\xFE\xFF"))
-        return QStringDecoder(QStringDecoder::Utf16BE).decode(bytes.mid(2));
+        return decodeUtf16(bytes.mid(2), QStringDecoder::Utf16BE);
     const QByteArray body = bytes.startsWith("\xEF\xBB\xBF") ? bytes.mid(3) : bytes;
     QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     QString text = utf8.decode(body);
@@ -88,6 +102,33 @@ private:
     qsizetype pos_ = 0;
 };
 
+// Lines end in CRLF, LF, or CR alone (as old Mac editors wrote them).
+QList<QStringView> splitLines(QStringView text) {
+    QList<QStringView> lines;
+    qsizetype start = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] != QLatin1Char('\r') && text[i] != QLatin1Char('\n'))
+            continue;
+        lines.append(text.mid(start, i - start));
+        if (text[i] == QLatin1Char('\r') && i + 1 < text.size() && text[i + 1] == QLatin1Char('\n'))
+            ++i;
+        start = i + 1;
+    }
+    lines.append(text.mid(start));
+    return lines;
+}
+
+bool isComment(QStringView trimmed) {
+    return trimmed.startsWith(QLatin1Char(';')) || trimmed.startsWith(QLatin1Char('#'));
+}
+
+// Whether a line can carry on the data of a typed value whose line ended in "\": a line that opens
+// a key or a value starts something new, so a stray "\" does not swallow it.
+bool continuesData(QStringView trimmed) {
+    return !trimmed.startsWith(QLatin1Char('[')) && !trimmed.startsWith(QLatin1Char('"')) &&
+           !trimmed.startsWith(QLatin1Char('@'));
+}
+
 QByteArray parseHexBytes(QStringView data, const LineReader& reader) {
     QByteArray bytes;
     for (QStringView part : data.split(QLatin1Char(','))) {
@@ -106,7 +147,7 @@ QByteArray parseHexBytes(QStringView data, const LineReader& reader) {
 // A hex(1) value is a text value spelled out as bytes: UTF-16LE in version 5 files, the 8-bit code
 // page in REGEDIT4 files; either ends with a terminating zero, which is not part of the text.
 QString textOfHexString(const QByteArray& bytes, bool unicode) {
-    QString text = unicode ? QStringDecoder(QStringDecoder::Utf16LE).decode(bytes) : decode(bytes);
+    QString text = unicode ? decodeUtf16(bytes, QStringDecoder::Utf16LE) : decode(bytes);
     while (text.endsWith(QChar(0)))
         text.chop(1);
     return text;
@@ -130,7 +171,7 @@ bool isBlankRegFile(const QByteArray& bytes) {
 
 std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& fileName) {
     const QString text = decode(bytes);
-    const QList<QStringView> lines = QStringView(text).split(QLatin1Char('\n'));
+    const QList<QStringView> lines = splitLines(text);
     std::vector<RegStatement> out;
 
     int lineNo = 0;
@@ -141,10 +182,7 @@ std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& f
 
     for (qsizetype i = 0; i < lines.size(); ++i) {
         lineNo = static_cast<int>(i) + 1;
-        QStringView line = lines[i];
-        if (line.endsWith(QLatin1Char('\r')))
-            line.chop(1);
-        const QStringView trimmed = line.trimmed();
+        const QStringView trimmed = lines[i].trimmed();
         if (trimmed.isEmpty())
             continue;
         if (!headerSeen) {
@@ -157,7 +195,7 @@ std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& f
                                 QStringLiteral("not a registry file: it must begin with \"%1\" or \"%2\"")
                                     .arg(kRegedit4, kRegedit5));
         }
-        if (trimmed.startsWith(QLatin1Char(';')))
+        if (isComment(trimmed))
             continue;
 
         if (trimmed.startsWith(QLatin1Char('['))) {
@@ -168,6 +206,8 @@ std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& f
             const bool remove = path.startsWith(QLatin1Char('-'));
             if (remove)
                 path = path.mid(1);
+            while (path.endsWith(QLatin1Char('\\'))) // "[key\]" is the key itself
+                path.chop(1);
             if (path.isEmpty())
                 throw RegParseError(fileName, lineNo, QStringLiteral("the key name is empty"));
             currentKey = path.toString();
@@ -188,9 +228,11 @@ std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& f
 
         LineReader reader(trimmed, fileName, lineNo);
         QString name;
-        const bool defaultValue = reader.take(QLatin1Char('@'));
-        if (!defaultValue)
+        bool defaultValue = reader.take(QLatin1Char('@'));
+        if (!defaultValue) {
             name = reader.quoted(QStringLiteral("the value name"));
+            defaultValue = name.isEmpty(); // "" names the default value as @ does
+        }
         reader.skipBlanks();
         if (!reader.take(QLatin1Char('=')))
             reader.fail(QStringLiteral("expected \"=\" after the value name"));
@@ -203,13 +245,21 @@ std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& f
         } else if (reader.peek() == QLatin1Char('"')) {
             st.text = reader.quoted(QStringLiteral("the value"));
         } else {
-            // A typed value: "dword:0000000f", "hex:..", "hex(1):..", possibly continued with "\".
+            // A typed value: "dword:0000000f", "hex:..", "hex(1):..", possibly continued with "\" over
+            // the following lines, between which blank and comment lines may sit. A "\" at the end of
+            // the file continues into nothing.
             typed = true;
-            QString data = reader.rest().toString();
-            while (data.trimmed().endsWith(QLatin1Char('\\')) && i + 1 < lines.size()) {
-                data = data.trimmed();
+            QString data = reader.rest().trimmed().toString();
+            while (data.endsWith(QLatin1Char('\\'))) {
                 data.chop(1);
-                data += lines[++i].trimmed().toString();
+                qsizetype next = i + 1;
+                while (next < lines.size() &&
+                       (lines[next].trimmed().isEmpty() || isComment(lines[next].trimmed())))
+                    ++next;
+                if (next >= lines.size() || !continuesData(lines[next].trimmed()))
+                    break;
+                i = next;
+                data += lines[i].trimmed().toString();
             }
             const qsizetype colon = data.indexOf(QLatin1Char(':'));
             if (colon < 0)

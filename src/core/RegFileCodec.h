@@ -18,10 +18,10 @@ struct RegStatement {
         DeleteKey,   // [-key]
         SetValue,    // "name"="text" (or a text value written in hex(1) form)
         DeleteValue, // "name"=-
-        Unsupported, // a value this store cannot hold (dword, binary, the default value "@")
+        Unsupported, // a value this store cannot hold (dword, binary, the default value "@" or "")
     };
     Kind kind;
-    QString keyPath; // full path, as written
+    QString keyPath; // full path, as written but for a trailing backslash
     QString name;    // value name
     QString text;    // value text; for Unsupported, what kind of value it was
     int line;        // 1-based line of the statement
@@ -44,7 +44,9 @@ private:
 
 // Reads a "REGEDIT4" file (UTF-8, or Latin-1 when it is not valid UTF-8) or a "Windows Registry Editor
 // Version 5.00" file (UTF-16LE with byte-order mark; UTF-8 is accepted too). Text values understand the
-// escapes \\ and \" of the format, and \n and \r for line breaks. Throws RegParseError.
+// escapes \\ and \" of the format, and \n and \r for line breaks. Lines end in CRLF, LF or CR; ";" and
+// "#" begin comment lines; "[key\]" is "[key]"; "" names the default value as @ does. Throws
+// RegParseError: one broken line refuses the whole file.
 std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& fileName);
 
 // Whether the bytes hold nothing but blanks and line breaks (a file that was created empty).

@@ -1,7 +1,6 @@
 // The registry export format: escapes, deletions and errors that name the line. Reading Latin-1 and
 // UTF-16 files, and the round trip of what the store writes, are checked through the real regedit.
 #include "core/RegFileCodec.h"
-#include "support/Raised.h"
 
 #include <QtTest>
 
@@ -11,9 +10,24 @@ namespace {
 
 const QString kKey = "HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\Tarvo Micropause";
 
-int errorLine(const QByteArray& bytes) {
-    const auto e = raised<RegParseError>([&] { parseRegFile(bytes, "f.reg"); });
-    return e ? e->line() : 0;
+// The statements in short ("+key", "-key", "key:name=text", "key:name-" deleted, "key:name?" skipped,
+// keys named by their section below our root), or the line a refused file fails on.
+QString summary(const QByteArray& bytes) {
+    try {
+        QStringList out;
+        for (const RegStatement& st : parseRegFile(bytes, "f.reg")) {
+            const QString key = sectionOfKeyPath(st.keyPath).value_or("?" + st.keyPath);
+            const QString value = key + ":" + st.name;
+            out << (st.kind == RegStatement::Kind::CreateKey     ? "+" + key
+                    : st.kind == RegStatement::Kind::DeleteKey   ? "-" + key
+                    : st.kind == RegStatement::Kind::SetValue    ? value + "=" + st.text
+                    : st.kind == RegStatement::Kind::DeleteValue ? value + "-"
+                                                                 : value + "?");
+        }
+        return out.join(' ');
+    } catch (const RegParseError& e) {
+        return QString("line %1").arg(e.line());
+    }
 }
 
 } // namespace
@@ -53,6 +67,51 @@ private slots:
         QCOMPARE(st[8].kind, RegStatement::Kind::Unsupported);
     }
 
+    // Shapes that files written or hand-edited on Windows have, each read as REGEDIT4 in UTF-8 and in
+    // Latin-1 and as a version 5 file in UTF-16, with LF, CRLF and CR line ends.
+    void windowsFileShapesInEveryEncoding() {
+        const struct {
+            const char* body; // after the header line; ROOT is our key
+            const char* statements;
+        } rows[] = {
+            {"# exported\n[ROOT\\Options]\n#note\n\"a\"=\"ä\"\n", "+Options Options:a=ä"},
+            {"[ROOT\\Options]\n\"b\"=hex:01,02,\\\n\n  ; part two\n#\n  03\n\"a\"=\"ä\"\n",
+             "+Options Options:b? Options:a=ä"},
+            {"[ROOT\\Options]\n\"b\"=hex:01,\\\n\"a\"=\"ä\"\n\"c\"=hex(2):41,00,\\",
+             "+Options Options:b? Options:a=ä Options:c?"},
+            {"[ROOT\\Options\\]\n\"a\"=\"ä\"\n[-ROOT\\Old\\]\n", "+Options Options:a=ä -Old"},
+            {"[ROOT\\Options]\n\"\"=\"x\"\n@=\"y\"\n\"\"=-\n\"a\"=\"ä\"\n",
+             "+Options Options:? Options:? Options:? Options:a=ä"},
+            {"[ROOT\\Options]\n\"b\"=hex:01,\\\n\n 02\n\"a\"=\"ä\"\n\"open=1\n", "line 7"},
+        };
+        for (const auto& row : rows) {
+            for (const QString eol : {"\n", "\r\n", "\r"}) {
+                const QString body = QString::fromUtf8(row.body).replace("ROOT", kKey).replace("\n", eol);
+                QStringEncoder utf16(QStringEncoder::Utf16LE, QStringEncoder::Flag::WriteBom);
+                const QByteArray files[] = {
+                    ("REGEDIT4" + eol + body).toUtf8(),
+                    ("REGEDIT4" + eol + body).toLatin1(),
+                    utf16.encode("Windows Registry Editor Version 5.00" + eol + body),
+                };
+                for (const QByteArray& file : files)
+                    QVERIFY2(
+                        summary(file) == QString::fromUtf8(row.statements),
+                        qPrintable(eol.toLatin1().toHex() + ": " + row.body + "\n  gives: " + summary(file)));
+            }
+        }
+    }
+
+    // UTF-16 files may hold halves of surrogate pairs, which UTF-8 cannot: they read as U+FFFD, as the
+    // store writes them back, so that a setting reads the same after the store wrote it.
+    void unpairedSurrogatesReadAsWrittenBack() {
+        const QString text = "Windows Registry Editor Version 5.00\r\n[" + kKey + "\\O" + QChar(0xD9D9) +
+                             "]\r\n\"a\"=\"" + QChar(0xDC00) +
+                             "x\U0001F600\"\r\n\"b\"=hex(1):00,d8,41,00,00,00\r\n";
+        const QByteArray file =
+            "\xFF\xFE" + QByteArray(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
+        QCOMPARE(summary(file), "+O\uFFFD O\uFFFD:a=\uFFFDx\U0001F600 O\uFFFD:b=\uFFFDA");
+    }
+
     void deletionsAndForeignKeys() {
         const QByteArray file =
             QStringLiteral("REGEDIT4\n[-%1\\Scheme old]\n\"ignored\"=\"below a deleted key\"\n"
@@ -70,18 +129,18 @@ private slots:
     }
 
     void errorsNameTheLine() {
-        QCOMPARE(errorLine("Hello\n"), 1);
-        QCOMPARE(errorLine("\n\nREGEDIT5\n"), 3);
-        QCOMPARE(errorLine(""), 1);
+        QCOMPARE(summary("Hello\n"), "line 1");
+        QCOMPARE(summary("\n\nREGEDIT5\n"), "line 3");
+        QCOMPARE(summary(""), "line 1");
         const QByteArray head = QStringLiteral("REGEDIT4\n\n[%1\\Options]\n").arg(kKey).toUtf8();
-        QCOMPARE(errorLine(head + "\"tray\"=\"0\n"), 4); // unterminated value
-        QCOMPARE(errorLine(head + "\"tray=\"0\"\n"), 4); // name not closed where it should
-        QCOMPARE(errorLine(head + "\"a\"=\"1\"\n[" + kKey.toUtf8() + "\n"), 5); // truncated header
-        QCOMPARE(errorLine(head + "\"a\"=\"1\" junk\n"), 4);
-        QCOMPARE(errorLine(head + "\"a\"=hex:zz\n"), 4);
-        QCOMPARE(errorLine(head + "\"a\"=qword:1\n"), 4);
-        QCOMPARE(errorLine(head + "just text\n"), 4);
-        QCOMPARE(errorLine("REGEDIT4\n\"a\"=\"1\"\n"), 2); // value before any key
+        QCOMPARE(summary(head + "\"tray\"=\"0\n"), "line 4"); // unterminated value
+        QCOMPARE(summary(head + "\"tray=\"0\"\n"), "line 4"); // name not closed where it should
+        QCOMPARE(summary(head + "\"a\"=\"1\"\n[" + kKey.toUtf8() + "\n"), "line 5"); // truncated header
+        QCOMPARE(summary(head + "\"a\"=\"1\" junk\n"), "line 4");
+        QCOMPARE(summary(head + "\"a\"=hex:zz\n"), "line 4");
+        QCOMPARE(summary(head + "\"a\"=qword:1\n"), "line 4");
+        QCOMPARE(summary(head + "just text\n"), "line 4");
+        QCOMPARE(summary("REGEDIT4\n\"a\"=\"1\"\n"), "line 2"); // value before any key
     }
 };
 

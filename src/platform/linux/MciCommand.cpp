@@ -2,6 +2,8 @@
 
 #include <QStringList>
 
+#include <limits>
+
 namespace tarvo {
 
 namespace {
@@ -80,9 +82,22 @@ std::variant<MciCommand, int> parsePut(const QStringList& w) {
     if (w.size() != 8 || !is(w[2], "window") || !is(w[3], "at"))
         return w.size() < 8 ? mcierr::MissingParameter : mcierr::UnrecognizedKeyword;
     int v[4] = {};
-    for (int k = 0; k < 4; ++k)
-        if (!number(w[4 + k], v[k]))
+    for (int k = 0; k < 4; ++k) {
+        bool ok = false;
+        v[k] = w[4 + k].toInt(&ok);
+        if (!ok)
             return mcierr::BadInteger;
+    }
+    // QRect keeps the far edge as (left + width) - 1 and gives the width back as (far - left) + 1, every
+    // step in int: a window for which a step would pass the range of int is out of range, not wrapped.
+    const auto fits = [](long long n) {
+        return n >= std::numeric_limits<int>::min() && n <= std::numeric_limits<int>::max();
+    };
+    for (int k = 0; k < 2; ++k) {
+        const long long start = v[k], size = v[k + 2];
+        if (!fits(start + size) || !fits(start + size - 1) || !fits(size - 1))
+            return mcierr::OutOfRange;
+    }
     MciCommand c;
     c.verb = MciCommand::Verb::Put;
     c.device = w[1];

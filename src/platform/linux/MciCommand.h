@@ -18,6 +18,7 @@ inline constexpr int MissingStringArgument = 269;
 inline constexpr int BadInteger = 270;
 inline constexpr int MissingParameter = 273;
 inline constexpr int FileNotFound = 275;
+inline constexpr int OutOfRange = 282;
 inline constexpr int CannotLoadDriver = 266;
 inline constexpr int DuplicateAlias = 289;
 } // namespace mcierr

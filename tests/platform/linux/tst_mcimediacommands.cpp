@@ -60,6 +60,10 @@ private slots:
         QCOMPARE(errorOf("rewind tarvox"), mcierr::UnrecognizedCommand);
         QCOMPARE(errorOf("play tarvox backwards"), mcierr::UnrecognizedKeyword);
         QCOMPARE(errorOf("put tarvox window at 0 0 x 5"), mcierr::BadInteger);
+        QCOMPARE(errorOf("put tarvox window at 0 4294967296 5 5"), mcierr::BadInteger); // not wrapped to 0
+        // Edges and sizes that QRect would compute past the range of int.
+        for (const char* far : {"2147483646 0 2 4", "0 -2147483648 1 0", "5 0 -2147483648 1"})
+            QCOMPARE(errorOf(("put tarvox window at " + QByteArray(far)).constData()), mcierr::OutOfRange);
         QCOMPARE(errorOf("open a.avi alias"), mcierr::MissingStringArgument);
         QCOMPARE(errorOf("close"), mcierr::MissingParameter);
     }
