@@ -18,6 +18,7 @@ packages=(
     gstreamer1.0-libav                          # users' own clips in older codecs (Cinepak, Microsoft Video 1, Indeo...)
     gstreamer1.0-tools gstreamer1.0-plugins-base-apps   # gst-inspect, and gst-discoverer that the media tests play the videos with
     fonts-dejavu-core                           # the exercise media's title lettering
+    faketime libfaketime                        # bench/soak_day.sh: a day of schedule on a clock 60 times faster
 )
 
 missing=()
