@@ -21,6 +21,7 @@ packages=(
     gstreamer1.0-tools gstreamer1.0-plugins-base-apps   # gst-inspect, and gst-discoverer that the media tests play the videos with
     fonts-dejavu-core                           # the exercise media's title lettering
     clang libclang-rt-14-dev                    # fuzzing (scripts/fuzz.sh): clang and its libFuzzer and sanitizer runtimes
+    faketime libfaketime                        # bench/soak_day.sh: a day of schedule on a clock 60 times faster
 )
 
 missing=()

@@ -15,6 +15,10 @@ namespace tarvo {
 namespace {
 // A write takes milliseconds; a lock held this long belongs to a hung process or another machine.
 constexpr int kLockWaitMs = 10000;
+// A process killed between creating the lock file and writing its process id into it leaves an empty
+// lock that names no owner, so only its age can show that it is abandoned. It must count as stale well
+// within the wait, or every writer gives up on it (the lock file's own default is 30 s).
+constexpr int kStaleLockMs = kLockWaitMs / 2;
 
 QString newlineFree(const QString& section) {
     if (section.contains(QLatin1Char('\n')) || section.contains(QLatin1Char('\r')))
@@ -116,6 +120,7 @@ void FileRegistryStore::beginBatch() {
         const QFileInfo info(path_);
         QDir().mkpath(info.absolutePath());
         lock_ = std::make_unique<QLockFile>(path_ + QStringLiteral(".lock"));
+        lock_->setStaleLockTime(kStaleLockMs);
         if (!lock_->tryLock(kLockWaitMs))
             throw StoreError(
                 QStringLiteral("The settings file %1 is locked by another program (lock file %1.lock)")
