@@ -31,12 +31,7 @@ cpu_ns() { for p; do cat /proc/"$p"/task/*/schedstat; done | awk '{n += $1} END{
 now_ms() { date +%s%3N; }
 
 exercise_now() { # from the tray menu, as a user would; waits for the first video's picture
-    local before
-    before=$(shown)
-    "$bin/tarvo" &
-    pids+=($!)
-    wait_for 50 more_shown_than "$before" || fail "a second start did not pop up the menu"
-    xdotool key e
+    menu_key e
     wait_for 200 visible_window '^Breathe \(' || fail "no exercise came"
     player=$(xdotool search --onlyvisible --name '^Breathe \(' | head -n 1)
     wait_for 100 sh -c '[ -n "$(xdotool search --onlyvisible --pid "$(pgrep -n -x tarvovideo)" 2>/dev/null)" ]' ||

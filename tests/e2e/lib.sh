@@ -92,13 +92,29 @@ start_tarvo() { # [<.reg lines>...]
     wait_for 100 grep -q "\"tray\"=\"$tarvo\"" "$store" || fail "start-up did not write its handle to \"tray\""
 }
 
-# A second start pops the running instance's menu up; the access key "m" starts a micropause.
-micropause_now() {
+# A second start pops the running instance's menu up; then the given key (an item's access key).
+menu_key() { # <key>
     local before
     before=$(shown)
     "$bin/tarvo" &
     pids+=($!)
     wait_for 50 more_shown_than "$before" || fail "a second start did not pop up the menu"
-    xdotool key m
+    xdotool key "$1"
+}
+
+# The access key "m" starts a micropause.
+micropause_now() {
+    menu_key m
     wait_for 100 visible_window '^Tarvo Micropause$' || fail "\"Micropause Now!\" showed no break screen"
+}
+
+# Two monitors side by side on one 2048x768 screen, and a window of the user's work ($busy).
+two_monitors_with_busy_work() {
+    start_x 2048x768
+    xrandr --setmonitor left 1024/270x768/203+0+0 screen >/dev/null
+    xrandr --setmonitor right 1024/270x768/203+1024+0 none >/dev/null
+    xmessage -title "Busy work" -geometry 400x200+100+100 "Busy work" &
+    pids+=($!)
+    wait_for 100 visible_window '^Busy work$' || fail "the stand-in for the user's work did not appear"
+    busy=$(xdotool search --name '^Busy work$' | head -n 1)
 }

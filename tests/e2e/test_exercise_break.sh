@@ -18,22 +18,11 @@ shoot() { # <file> [window]: the screen, or one window
 }
 video_window() { xdotool search --onlyvisible --pid "$(pgrep -n tarvovideo)" 2>/dev/null | head -n 1; }
 exercise_now() {
-    local before
-    before=$(shown)
-    "$bin/tarvo" &
-    pids+=($!)
-    wait_for 50 more_shown_than "$before" || fail "a second start did not pop up the menu"
-    xdotool key e
+    menu_key e
     wait_for 100 player_shown '^Gently now\.\.\. \(' || wait_for 100 player_shown '\([0-9]+\)$' || fail "\"Exercise Now!\" showed no player"
 }
 
-start_x 2048x768
-xrandr --setmonitor left 1024/270x768/203+0+0 screen >/dev/null
-xrandr --setmonitor right 1024/270x768/203+1024+0 none >/dev/null
-xmessage -title "Busy work" -geometry 400x200+100+100 "Busy work" &
-pids+=($!)
-wait_for 100 visible_window '^Busy work$' || fail "the stand-in for the user's work did not appear"
-busy=$(xdotool search --name '^Busy work$' | head -n 1)
+two_monitors_with_busy_work
 "$bin/regedit" /s "$bin/tarvo32.reg"
 options() { # <BlankX>
     start_tarvo "[Options]" '"Initialised"="1"' "[Exercise]" '"EveryM"="1"' '"AudibleX"="0"' "\"BlankX\"=\"$1\""

@@ -23,13 +23,7 @@ restart_tarvo() { # <.reg lines>...
 }
 
 # --- two monitors side by side, the break blanks both ------------------------------------------------
-start_x 2048x768
-xrandr --setmonitor left 1024/270x768/203+0+0 screen >/dev/null
-xrandr --setmonitor right 1024/270x768/203+1024+0 none >/dev/null
-xmessage -title "Busy work" -geometry 400x200+100+100 "Busy work" &
-pids+=($!)
-wait_for 100 visible_window '^Busy work$' || fail "the stand-in for the user's work did not appear"
-busy=$(xdotool search --name '^Busy work$' | head -n 1)
+two_monitors_with_busy_work
 restart_tarvo '"InterruptFor"="30"' '"Blank"="1"'
 xdotool windowactivate --sync "$busy" mousemove 200 200
 micropause_now

@@ -46,11 +46,7 @@ xdotool key alt+a
 wait_for 50 grep -q '"InterruptEvery"="999"' "$store" || fail "Apply did not store the typed \"InterruptEvery\" 999"
 grep -q '"EveryM"="1"' "$store" || fail "Apply did not store the typed \"EveryM\" 1"
 echo "ok - typed values, past the spinner's bound, are applied and stored"
-before=$(shown)
-"$bin/tarvo" &
-pids+=($!)
-wait_for 50 more_shown_than "$before" || fail "a second start while the dialog is open did not pop up the menu"
-xdotool key Escape
+menu_key Escape
 echo "ok - a second start while the dialog is open pops up the menu"
 wait_for 700 visible_window '^Exercise\.\.\.$' || fail "the exercise break did not move to the new interval"
 echo "ok - the next exercise break comes at the new interval"
@@ -58,10 +54,7 @@ kill "$tarvo"
 wait "$tarvo" 2>/dev/null || true
 QT_SCALE_FACTOR=2 start_tarvo
 wait_for 150 docked_icon || fail "the icon did not dock at 200%"
-"$bin/tarvo" &
-pids+=($!)
-sleep 1
-xdotool key o
+menu_key o
 wait_for 100 dialog_shown || fail "the menu's \"&Options...\" did not open the dialog at 200%"
 tab_screenshots 200
 echo "ok - screenshots of each tab at 100% and 200% in $shots"
