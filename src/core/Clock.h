@@ -20,6 +20,11 @@ public:
 
     // The local wall-clock time, for the status texts.
     virtual QDateTime localNow() const = 0;
+
+    // Milliseconds the machine has spent suspended since it started. The tick count includes them and
+    // the timers do not (a timer's interval runs on after resume as if no time had passed), so the
+    // scheduler reads this to learn that the user was away while the machine slept.
+    virtual std::int64_t suspendedMs() const = 0;
 };
 
 // A time of day as the status texts show it: two-digit hour and minute, "09:05". Built from the

@@ -36,7 +36,8 @@ Scheduler::Scheduler(const SettingsRecord& settings, SchedulerState& state, cons
     , exercise_(exercise)
     , warnings_(warnings)
     , view_(view)
-    , exerciseView_(exerciseView) {}
+    , exerciseView_(exerciseView)
+    , suspendedSeen_(clock.suspendedMs()) {}
 
 int Scheduler::naturalPauseInterval(const SettingsRecord& settings) {
     return checked::mul(settings.InterruptFor, std::int32_t{1000});
@@ -58,9 +59,13 @@ void Scheduler::SetTimers() {
 
     tSeconds_.setInterval(naturalPauseInterval(settings_));
     tSeconds_.setEnabled(true);
+    suspendedSeen_ = clock_.suspendedMs();
 }
 
 void Scheduler::tMinutes_Timer() {
+    // The tick that finds the exercise countdown restarted after a sleep leaves it at its full length.
+    if (noticeSleep())
+        return;
     if (state_.ExercisePromptPending) {
         state_.MinutesToMicropause = checked::sub(state_.MinutesToMicropause, std::int32_t{1});
         if (state_.MinutesToMicropause == 1 && settings_.AudiblePre)
@@ -83,6 +88,7 @@ void Scheduler::tMinutes_Timer() {
 }
 
 void Scheduler::tSeconds_Timer() {
+    noticeSleep();
     if (state_.InExerciseBreak)
         exercise_.tick();
     else if (state_.InMicropause)
@@ -104,12 +110,37 @@ void Scheduler::checkNaturalPause() {
         last = stamp;
     }
     showActivitySource(); // after the reads, which may have put a new source in place of a lost one
-    if (activitySeen)
-        return;
-
     // No input for a whole check interval, which is one micropause length: the user has taken a
-    // micropause of their own. The text is kept up to date whether or not it resets the countdown;
-    // with IntelliReset a long absence holds the countdown at its full value.
+    // micropause of their own.
+    if (!activitySeen)
+        countNaturalPause();
+}
+
+bool Scheduler::noticeSleep() {
+    const std::int64_t total = clock_.suspendedMs();
+    const std::int64_t slept = total - suspendedSeen_;
+    suspendedSeen_ = total;
+    // A break on screen ends by its own count and restarts the schedule itself; a pending exercise
+    // prompt stays for the user to answer, with its micropause countdown.
+    if (slept <= 0 || state_.InMicropause || state_.InExerciseBreak)
+        return false;
+    // Whoever was at the machine while it slept was not typing. Counted here, at the first tick after
+    // resume, rather than by the natural-pause check: the keys pressed to wake the machine are
+    // activity, and the minute tick may come first and start a micropause on the user's return.
+    if (slept >= naturalPauseInterval(settings_))
+        countNaturalPause();
+    if (!state_.ExercisePromptPending && settings_.EveryM > 0 &&
+        slept >= std::int64_t{settings_.EveryM} * kMinuteMs) {
+        state_.MinutesToExercise = settings_.EveryM;
+        showMinutesToExercise();
+        return true;
+    }
+    return false;
+}
+
+void Scheduler::countNaturalPause() {
+    // The text is kept up to date whether or not it resets the countdown; with IntelliReset a long
+    // absence holds the countdown at its full value.
     view_.showVoluntaryStatus(QStringLiteral("Last natural micropause: ") + formatHhNn(clock_.localNow()));
     if (settings_.IntelliReset)
         state_.MinutesToMicropause = state_.MicropauseReload;

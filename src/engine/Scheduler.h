@@ -28,6 +28,10 @@ struct SettingsRecord;
 // The status window's line on where activity comes from (ActivityMonitor::description) is written at
 // SetTimers and again whenever a natural-pause check finds it changed (a lost source replaced).
 //
+// A suspended machine is a pause too, though no timer ticks through it: the first tick after resume
+// learns from the clock how long the machine slept. At least one micropause length counts as a natural
+// micropause; at least EveryM minutes starts the exercise countdown afresh.
+//
 // All counter arithmetic is checked: an overflow is run-time error 6 and leaves the handler, like any
 // other error of a tick; nothing here catches.
 class Scheduler {
@@ -61,6 +65,8 @@ public:
 
 private:
     void checkNaturalPause();
+    bool noticeSleep(); // true when it restarted the exercise countdown
+    void countNaturalPause();
     void showMinutesToExercise();
     void showActivitySource();
 
@@ -76,6 +82,7 @@ private:
     MainView& view_;
     ExerciseView& exerciseView_;
     QString shownSource_;
+    std::int64_t suspendedSeen_; // the clock's suspended total at the last tick
 };
 
 } // namespace tarvo

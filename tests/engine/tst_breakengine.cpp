@@ -107,6 +107,41 @@ private slots:
         QCOMPARE(rig.voluntaryWrites, 13);
     }
 
+    // The timers do not tick while the machine sleeps; the first tick after resume asks the clock.
+    void aSleepingMachineIsAPause() {
+        EngineRig rig;
+        rig.settings.EveryM = 50;
+        rig.engine.scheduler().SetTimers();
+        rig.run(10, 0);
+        auto wake = [&](std::int64_t sleptMs, Timer& firstTick) {
+            rig.clock.suspend(sleptMs);
+            rig.monitor.input(0, rig.clock.tickCount()); // the key that woke the machine
+            static_cast<ManualTimer&>(firstTick).fire();
+        };
+        const int writes = rig.voluntaryWrites;
+        wake(14999, rig.engine.tSeconds()); // shorter than a micropause
+        QCOMPARE(rig.voluntaryWrites, writes);
+
+        rig.state.ExercisePromptPending = true; // the prompt and its micropause countdown stay
+        rig.state.MinutesToMicropause = 2;
+        wake(60 * 60000, rig.engine.tSeconds());
+        QCOMPARE(rig.voluntaryText, "Last natural micropause: 10:10");
+        QCOMPARE(rig.state.MinutesToMicropause, 4);
+        QCOMPARE(rig.state.MinutesToExercise, 40);
+
+        rig.state.ExercisePromptPending = false;
+        wake(49 * 60000, rig.engine.tMinutes()); // shorter than the exercise interval
+        QCOMPARE(rig.state.MinutesToExercise, 39);
+        wake(50 * 60000, rig.engine.tMinutes());
+        QCOMPARE(rig.state.MinutesToExercise, 50);
+        QCOMPARE(rig.exerciseText, "Next Exercise Break: 49 minutes");
+
+        rig.state.InMicropause = true; // a break on screen runs its own course
+        rig.state.MinutesToExercise = 7;
+        wake(60 * 60000, rig.engine.tMinutes());
+        QCOMPARE(rig.state.MinutesToExercise, 6); // an ordinary minute, no fresh start
+    }
+
     void aMicropauseFromStartToEnd() {
         for (const std::int32_t seconds : {1, 15}) {
             EngineRig rig;
@@ -356,7 +391,7 @@ private slots:
         QVERIFY(rig.log.contains("1 prompt") && rig.state.ExercisePromptPending);
         rig.store.model().setValue("Exercise", "ProcrastinateM", "7");
         QCOMPARE(rig.exercise.promptLoaded(), "7");
-        QCOMPARE(rig.state.MinutesToExercise, 7);
+        QCOMPARE(rig.state.MinutesToExercise, 6); // an ordinary minute, no fresh start
         for (const auto& [typed, minutes] : {std::pair{"abc", 5}, std::pair{"-3", -3}, std::pair{"0", 0},
                                              std::pair{"999", 120}, std::pair{" 12 ", 12}}) {
             rig.exercise.later(QLatin1String(typed));

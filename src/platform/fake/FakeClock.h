@@ -14,6 +14,7 @@ public:
 
     std::int32_t tickCount() const override { return tick_; }
     QDateTime localNow() const override { return local_; }
+    std::int64_t suspendedMs() const override { return suspended_; }
 
     // Moves both readings forward; the tick count wraps like the real one.
     void advance(std::int64_t milliseconds) {
@@ -21,12 +22,18 @@ public:
                                           static_cast<std::uint32_t>(milliseconds));
         local_ = local_.addMSecs(milliseconds);
     }
+    // The machine sleeps: the readings move on as in advance(), and no timer notices.
+    void suspend(std::int64_t milliseconds) {
+        advance(milliseconds);
+        suspended_ += milliseconds;
+    }
     void setTickCount(std::int32_t tick) { tick_ = tick; }
     void setLocalNow(const QDateTime& local) { local_ = local; }
 
 private:
     std::int32_t tick_;
     QDateTime local_;
+    std::int64_t suspended_ = 0;
 };
 
 } // namespace tarvo

@@ -17,6 +17,15 @@ std::int32_t SystemClock::tickCount() const {
     return currentTickCount();
 }
 
+std::int64_t SystemClock::suspendedMs() const {
+    const auto ms = [](clockid_t id) {
+        timespec ts{};
+        clock_gettime(id, &ts);
+        return static_cast<std::int64_t>(ts.tv_sec) * 1000 + ts.tv_nsec / 1000000;
+    };
+    return ms(CLOCK_BOOTTIME) - ms(CLOCK_MONOTONIC);
+}
+
 QDateTime SystemClock::localNow() const {
     return QDateTime::currentDateTime();
 }
