@@ -263,12 +263,15 @@ void warmUp(const std::string& display) {
 }
 
 // Relative motions (the kind that produce raw motion events) back and forth by one pixel, and presses
-// and releases of "a", at the given rates, flushed one by one as a real device would deliver them.
+// and releases of "a", at the given rates, flushed one by one as a real device would deliver them. Every
+// other key is typed as a capital, with Shift held around it: a change of modifiers is what every
+// client that follows the keyboard's state hears about, whatever window has the focus.
 Load generateLoad(const std::string& display, const Options& options) {
     Display* x = XOpenDisplay(display.c_str());
     if (!x)
         die("cannot open " + display + " for XTEST");
     const KeyCode key = XKeysymToKeycode(x, XK_a);
+    const KeyCode shift = XKeysymToKeycode(x, XK_Shift_L);
     Load load;
     const long long tickNs = 1000000000LL / options.motionHz;
     const long long ticks = static_cast<long long>(options.seconds) * options.motionHz;
@@ -279,8 +282,13 @@ Load generateLoad(const std::string& display, const Options& options) {
         XTestFakeRelativeMotionEvent(x, (i % 2) ? -1 : 1, 0, CurrentTime);
         ++load.motions;
         if (ticksPerKey > 0 && i % ticksPerKey == 0) {
+            const bool capital = load.keys % 2 == 1;
+            if (capital)
+                XTestFakeKeyEvent(x, shift, True, CurrentTime);
             XTestFakeKeyEvent(x, key, True, CurrentTime);
             XTestFakeKeyEvent(x, key, False, CurrentTime);
+            if (capital)
+                XTestFakeKeyEvent(x, shift, False, CurrentTime);
             ++load.keys;
         }
         XFlush(x);
@@ -340,6 +348,16 @@ Options parse(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    // --load-only DISPLAY [options]: only the input load, on a display that is already there, for a
+    // script that measures another process under it (bench/tray_startup_bench.sh: the whole program).
+    if (argc >= 3 && std::strcmp(argv[1], "--load-only") == 0) {
+        const std::string display = argv[2];
+        argv[2] = argv[0];
+        const Options options = parse(argc - 2, argv + 2);
+        const Load load = generateLoad(display, options);
+        std::printf("%lld %lld\n", load.motions, load.keys);
+        return 0;
+    }
     if (argc >= 4 && std::strcmp(argv[1], "--monitor") == 0) {
         const auto flag = [&](const char* name) {
             return std::any_of(argv + 4, argv + argc,

@@ -8,6 +8,7 @@ packages=(
     qt6-base-dev qt6-base-dev-tools             # Qt Core, Gui, Widgets, Test; moc, uic
     qt6-svg-dev                                 # Qt SVG: the build draws the program icon with it
     pkg-config libxcb1-dev libxcb-xinput-dev    # the activity monitor's X connection (XInput 2)
+    libxcb-xkb-dev                              # keyboard-state notifications only while a window has the focus
     libwayland-dev wayland-protocols            # the activity monitor's Wayland connection (ext-idle-notify-v1)
     libx11-dev libxtst-dev                      # the activity monitor benchmark's XTEST input load
     xvfb xdotool                                # X11 tests: a private X server and input through XTEST

@@ -12,6 +12,7 @@
 #include "platform/linux/QtTrayIcon.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/SystemRandom.h"
+#include "platform/linux/XkbStateFollower.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -56,6 +57,7 @@ struct LinuxPlatform::Seams {
     QtFileDialog files;
     MciMediaCommands media{folder + QStringLiteral("/tarvovideo")};
     SystemRandom random;
+    std::unique_ptr<XkbStateFollower> keyboardState = XkbStateFollower::attach();
 };
 
 LinuxPlatform::LinuxPlatform()
