@@ -391,7 +391,7 @@ private slots:
         QVERIFY(rig.log.contains("1 prompt") && rig.state.ExercisePromptPending);
         rig.store.model().setValue("Exercise", "ProcrastinateM", "7");
         QCOMPARE(rig.exercise.promptLoaded(), "7");
-        QCOMPARE(rig.state.MinutesToExercise, 6); // an ordinary minute, no fresh start
+        QCOMPARE(rig.state.MinutesToExercise, 7);
         for (const auto& [typed, minutes] : {std::pair{"abc", 5}, std::pair{"-3", -3}, std::pair{"0", 0},
                                              std::pair{"999", 120}, std::pair{" 12 ", 12}}) {
             rig.exercise.later(QLatin1String(typed));
