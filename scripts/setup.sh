@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building, running and testing Tarvo Micropause need.
+# Installs the Debian packages that building, running and testing Tarvo Micropause need; with
+# `package`, also those that building and checking its Debian package need (scripts/package.sh).
 # Does nothing (and needs no network) when they are all installed already.
 set -euo pipefail
 
@@ -24,6 +25,12 @@ packages=(
     clang libclang-rt-14-dev                    # fuzzing (scripts/fuzz.sh): clang and its libFuzzer and sanitizer runtimes
     faketime libfaketime                        # bench/soak_day.sh: a day of schedule on a clock 60 times faster
 )
+if [ "${1:-}" = package ]; then
+    packages+=(
+        dpkg-dev file                           # CPack's dependency search (dpkg-shlibdeps), Debian's build flags
+        lintian desktop-file-utils appstream    # checks of the package, its desktop entry and its AppStream data
+    )
+fi
 
 missing=()
 for p in "${packages[@]}"; do
