@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QWindow>
 
+#include <cstdlib>
 #include <cstring>
 #define explicit explicit_ // the XKB header names a field "explicit"
 #include <xcb/xkb.h>
@@ -69,8 +70,8 @@ void XkbStateFollower::follow(bool on) {
     event.latchedMods = reply->latchedMods;
     event.lockedMods = reply->lockedMods;
     event.group = reply->group;
-    event.baseGroup = static_cast<std::int16_t>(reply->baseGroup);
-    event.latchedGroup = static_cast<std::int16_t>(reply->latchedGroup);
+    event.baseGroup = reply->baseGroup;
+    event.latchedGroup = reply->latchedGroup;
     event.lockedGroup = reply->lockedGroup;
     event.compatState = reply->compatState;
     event.grabMods = reply->grabMods;
