@@ -1,7 +1,6 @@
 #include "platform/linux/ResidentPages.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <sys/mman.h>
 
@@ -12,12 +11,13 @@ namespace {
 struct Mapping {
     unsigned long start = 0, end = 0;
     bool candidate = false; // a file, not writable
-    std::size_t rssKb = 0, dirtyKb = 0, anonymousKb = 0, swapKb = 0;
+    std::size_t rssKb = 0;
+    // A page of it written in memory: dirty, or an anonymous copy, resident or swapped out.
+    bool written = false;
 };
 
 std::size_t release(const Mapping& m) {
-    // Anonymous pages in a file's mapping are its copies written in memory, resident or swapped out.
-    if (!m.candidate || m.rssKb == 0 || m.dirtyKb != 0 || m.anonymousKb != 0 || m.swapKb != 0)
+    if (!m.candidate || m.rssKb == 0 || m.written)
         return 0;
     if (madvise(reinterpret_cast<void*>(m.start), m.end - m.start, MADV_DONTNEED) != 0)
         return 0;
@@ -48,16 +48,17 @@ std::size_t releaseReadOnlyFilePages() {
             current.candidate = perms[1] == '-' && perms[3] == 'p' && line[pathAt] == '/';
             continue;
         }
+        // The fields: "Name:   value kB".
+        char name[32] = {};
         std::size_t kb = 0;
-        if (std::sscanf(line, "Rss: %zu kB", &kb) == 1)
+        if (std::sscanf(line, "%31[^:]: %zu kB", name, &kb) != 2)
+            continue;
+        if (std::strcmp(name, "Rss") == 0)
             current.rssKb = kb;
-        else if (std::sscanf(line, "Private_Dirty: %zu kB", &kb) == 1 ||
-                 std::sscanf(line, "Shared_Dirty: %zu kB", &kb) == 1)
-            current.dirtyKb += kb;
-        else if (std::sscanf(line, "Anonymous: %zu kB", &kb) == 1)
-            current.anonymousKb = kb;
-        else if (std::sscanf(line, "Swap: %zu kB", &kb) == 1)
-            current.swapKb = kb;
+        else if (kb != 0 &&
+                 (std::strcmp(name, "Private_Dirty") == 0 || std::strcmp(name, "Shared_Dirty") == 0 ||
+                  std::strcmp(name, "Anonymous") == 0 || std::strcmp(name, "Swap") == 0))
+            current.written = true;
     }
     released += release(current);
     std::fclose(smaps);
