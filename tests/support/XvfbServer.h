@@ -30,6 +30,16 @@ public:
         return display_.size() > 1;
     }
 
+    // For a test whose application object is yet to be made: starts the server if it is installed and
+    // points Qt's X11 platform at it. Without one the test runs on whatever platform it was given.
+    bool startForQt() {
+        if (!installed() || !start())
+            return false;
+        qputenv("DISPLAY", display_);
+        qputenv("QT_QPA_PLATFORM", "xcb");
+        return true;
+    }
+
     void stop() {
         if (process_.state() == QProcess::NotRunning)
             return;

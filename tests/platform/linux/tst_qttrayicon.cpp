@@ -60,10 +60,7 @@ int main(int argc, char** argv) {
     // The test's own X server, and no session bus, so that Qt offers no StatusNotifierItem tray.
     XvfbServer xvfb;
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/tarvo-test-bus");
-    if (XvfbServer::installed() && xvfb.start()) {
-        qputenv("DISPLAY", xvfb.display());
-        qputenv("QT_QPA_PLATFORM", "xcb");
-    }
+    xvfb.startForQt();
     QApplication app(argc, argv);
     app.setQuitOnLastWindowClosed(false);
     TestQtTrayIcon test;

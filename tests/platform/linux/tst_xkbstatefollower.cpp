@@ -99,10 +99,7 @@ private slots:
 
 int main(int argc, char** argv) {
     XvfbServer xvfb;
-    if (XvfbServer::installed() && xvfb.start()) {
-        qputenv("DISPLAY", xvfb.display());
-        qputenv("QT_QPA_PLATFORM", "xcb");
-    }
+    xvfb.startForQt();
     QGuiApplication app(argc, argv);
     TestXkbStateFollower test;
     return QTest::qExec(&test, argc, argv);
