@@ -68,7 +68,8 @@ load=$(cd "$(dirname "$0")/../build/bench" && pwd)/activity_monitor_bench
 sleep 2
 c2=$(cpu_ns)
 s2=$(switches)
-"$load" --load-only "$DISPLAY" --seconds 30 >"$work/load"
+load_seconds=30
+"$load" --load-only "$DISPLAY" --seconds "$load_seconds" >"$work/load"
 c3=$(cpu_ns)
 s3=$(switches)
 "$bin/tarvo" shutdown
@@ -79,6 +80,8 @@ echo "idle 60 s: CPU $(awk "BEGIN{printf \"%.2f\", ($c1 - $c0) / 1e6}") ms, volu
 read -r motions keys <"$work/load"
 idle_ms=$(awk "BEGIN{print ($c1 - $c0) / 1e6}")
 idle_sw=$(awk "BEGIN{print ($s1 - $s0) / 60}")
-awk -v c="$((c3 - c2))" -v s="$((s3 - s2))" -v im="$idle_ms" -v is="$idle_sw" -v m="$motions" -v k="$keys" 'BEGIN{
-    printf "under load 30 s (%d motions, %d keys): CPU %.2f ms/min, %.2f switches/s; above idle %.2f ms/min, %.2f switches/s\n",
-        m, k, c / 1e6 * 2, s / 30, c / 1e6 * 2 - im, s / 30 - is }'
+awk -v c="$((c3 - c2))" -v s="$((s3 - s2))" -v t="$load_seconds" -v im="$idle_ms" -v is="$idle_sw" \
+    -v m="$motions" -v k="$keys" 'BEGIN{
+    ms = c / 1e6 * 60 / t; sw = s / t
+    printf "under load %d s (%d motions, %d keys): CPU %.2f ms/min, %.2f switches/s; above idle %.2f ms/min, %.2f switches/s\n",
+        t, m, k, ms, sw, ms - im, sw - is }'
