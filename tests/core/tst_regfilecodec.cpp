@@ -44,9 +44,11 @@ private slots:
                                                "\"lines\"=\"one\\ntwo\\r\"\n"
                                                "\"odd\"=\"keep \\t as is\"\n"
                                                "\"spaced\" = \"v\"\n"
-                                               "\"hexsz\"=hex(1):41,42,\\\n"
-                                               "  43,00\n"
-                                               "\"num\"=dword:0000000f\n"
+                                               "\"hexsz\"=hex(1):41,42,\\ ; split\n"
+                                               "; between the parts\n"
+                                               "  43,\\;x\n"
+                                               "  00 ; the end\n"
+                                               "\"num\"=dword:0000000f ; fifteen\n"
                                                "\"gone\"=-\n"
                                                "@=\"default\"\n")
                                     .arg(kKey)
@@ -63,7 +65,7 @@ private slots:
         QCOMPARE(st[5].text, "ABC");
         QCOMPARE(st[6].kind, RegStatement::Kind::Unsupported);
         QCOMPARE(st[7].kind, RegStatement::Kind::DeleteValue);
-        QCOMPARE(st[7].line, 11);
+        QCOMPARE(st[7].line, 13);
         QCOMPARE(st[8].kind, RegStatement::Kind::Unsupported);
     }
 
