@@ -35,7 +35,9 @@ expect(accepted engine "#include \"engine/Scheduler.h\"")
 expect(accepted platform/linux "#include \"platform/linux/QtTimer.h\"")
 expect(accepted platform/linux "#include <xcb/xcb.h>")
 expect(accepted micropause "QTimerEvent* event;")
-
+expect(refused micropause "#include \"platform/linux/LinuxFiles.h\"")
+expect(refused shell "#include \"platform/linux/LinuxFiles.h\"")
+expect(accepted app "#include \"platform/linux/LinuxFiles.h\"")
 
 # A house in miniature: one library that keeps the rules, and what escapes them.
 set(house ${WORK}/house)
