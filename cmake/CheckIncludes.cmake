@@ -3,7 +3,8 @@
 # It fails, naming each offending line, when a file
 #   - includes a folder on its own floor or above (its own folder aside),
 #   - includes the Linux platform from anywhere but the shell and the mains, or anything of it but
-#     its public face, platform/linux/LinuxPlatform.h (the Linux platform itself aside),
+#     its public face, platform/linux/LinuxPlatform.h, and for the mains also its display-free part,
+#     platform/linux/LinuxFiles.h (the Linux platform itself aside),
 #   - includes the test doubles of platform/fake,
 #   - reaches X11 or libcanberra directly, outside the Linux platform,
 #   - reads the clock, starts a timer or a process directly, outside the Linux platform.
@@ -34,8 +35,9 @@ foreach(file IN LISTS FILES)
                 elseif(folder STREQUAL "platform/linux")
                     if(NOT FOLDER MATCHES "^(shell|app)$")
                         string(APPEND problems "${where}: only the shell and the mains put the Linux platform together\n")
-                    elseif(NOT line MATCHES "\"platform/linux/LinuxPlatform.h\"")
-                        string(APPEND problems "${where}: the Linux platform's only public header is platform/linux/LinuxPlatform.h\n")
+                    elseif(NOT line MATCHES "\"platform/linux/LinuxPlatform.h\""
+                           AND NOT (FOLDER STREQUAL "app" AND line MATCHES "\"platform/linux/LinuxFiles.h\""))
+                        string(APPEND problems "${where}: the Linux platform's public headers are platform/linux/LinuxPlatform.h and, for the mains, platform/linux/LinuxFiles.h\n")
                     endif()
                 endif()
             endif()

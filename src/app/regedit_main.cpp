@@ -1,6 +1,6 @@
 // regedit: imports and exports the Tarvo Micropause settings (see settings/Regedit.h).
 #include "core/RegistryStore.h"
-#include "platform/linux/LinuxPlatform.h"
+#include "platform/linux/LinuxFiles.h"
 #include "settings/Regedit.h"
 
 #include <QCoreApplication>

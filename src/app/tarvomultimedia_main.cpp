@@ -1,6 +1,6 @@
 // tarvomultimedia: renders the built-in exercise media into the program folder (see RunMultimedia.h).
 #include "multimedia/RunMultimedia.h"
-#include "platform/linux/LinuxPlatform.h"
+#include "platform/linux/LinuxFiles.h"
 
 #include <QGuiApplication>
 #include <QTextStream>

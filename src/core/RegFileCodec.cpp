@@ -129,6 +129,14 @@ bool continuesData(QStringView trimmed) {
            !trimmed.startsWith(QLatin1Char('@'));
 }
 
+// The data that one line of a typed value carries. Typed data is hex digits, commas and a continuing
+// "\" only, so a ";" on such a line begins a comment that runs to its end, as Windows reads it: after
+// the last byte, and after a "\" that carries the value on to the next line.
+QStringView typedDataOf(QStringView line) {
+    const qsizetype comment = line.indexOf(QLatin1Char(';'));
+    return (comment < 0 ? line : line.left(comment)).trimmed();
+}
+
 QByteArray parseHexBytes(QStringView data, const LineReader& reader) {
     QByteArray bytes;
     for (QStringView part : data.split(QLatin1Char(','))) {
@@ -246,10 +254,10 @@ std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& f
             st.text = reader.quoted(QStringLiteral("the value"));
         } else {
             // A typed value: "dword:0000000f", "hex:..", "hex(1):..", possibly continued with "\" over
-            // the following lines, between which blank and comment lines may sit. A "\" at the end of
-            // the file continues into nothing.
+            // the following lines, between which blank and comment lines may sit; any line may end in
+            // a comment of its own. A "\" at the end of the file continues into nothing.
             typed = true;
-            QString data = reader.rest().trimmed().toString();
+            QString data = typedDataOf(reader.rest()).toString();
             while (data.endsWith(QLatin1Char('\\'))) {
                 data.chop(1);
                 qsizetype next = i + 1;
@@ -259,7 +267,7 @@ std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& f
                 if (next >= lines.size() || !continuesData(lines[next].trimmed()))
                     break;
                 i = next;
-                data += lines[i].trimmed().toString();
+                data += typedDataOf(lines[i]).toString();
             }
             const qsizetype colon = data.indexOf(QLatin1Char(':'));
             if (colon < 0)

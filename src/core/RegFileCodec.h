@@ -45,8 +45,9 @@ private:
 // Reads a "REGEDIT4" file (UTF-8, or Latin-1 when it is not valid UTF-8) or a "Windows Registry Editor
 // Version 5.00" file (UTF-16LE with byte-order mark; UTF-8 is accepted too). Text values understand the
 // escapes \\ and \" of the format, and \n and \r for line breaks. Lines end in CRLF, LF or CR; ";" and
-// "#" begin comment lines; "[key\]" is "[key]"; "" names the default value as @ does. Throws
-// RegParseError: one broken line refuses the whole file.
+// "#" begin comment lines, and ";" a comment after a value (after each line of a typed value continued
+// with "\" too); "[key\]" is "[key]"; "" names the default value as @ does. Throws RegParseError: one
+// broken line refuses the whole file.
 std::vector<RegStatement> parseRegFile(const QByteArray& bytes, const QString& fileName);
 
 // Whether the bytes hold nothing but blanks and line breaks (a file that was created empty).

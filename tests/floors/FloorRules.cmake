@@ -1,5 +1,7 @@
-# The build's include check refuses what breaks the floors and accepts what keeps them:
-#   cmake -DCHECK=<cmake/CheckIncludes.cmake> -DWORK=<scratch folder> -P FloorRules.cmake
+# The build's include check refuses what breaks the floors and accepts what keeps them, and the build
+# fails for what would escape the checks:
+#   cmake -DCHECK=<cmake/CheckIncludes.cmake> -DFLOORS=<cmake/TarvoFloors.cmake> -DWORK=<scratch folder>
+#         -P FloorRules.cmake
 file(REMOVE_RECURSE ${WORK})
 set(failures "")
 
@@ -33,7 +35,40 @@ expect(accepted engine "#include \"engine/Scheduler.h\"")
 expect(accepted platform/linux "#include \"platform/linux/QtTimer.h\"")
 expect(accepted platform/linux "#include <xcb/xcb.h>")
 expect(accepted micropause "QTimerEvent* event;")
+expect(refused micropause "#include \"platform/linux/LinuxFiles.h\"")
+expect(refused shell "#include \"platform/linux/LinuxFiles.h\"")
+expect(accepted app "#include \"platform/linux/LinuxFiles.h\"")
+
+# A house in miniature: one library that keeps the rules, and what escapes them.
+set(house ${WORK}/house)
+file(WRITE ${house}/CMakeLists.txt "cmake_minimum_required(VERSION 3.25)\nproject(house LANGUAGES NONE)\n"
+     "include(${FLOORS})\nadd_subdirectory(src/core)\nadd_subdirectory(src/engine)\ntarvo_check_floors()\n")
+file(WRITE ${house}/src/core/CMakeLists.txt "add_library(kept STATIC Kept.cpp Kept.h)\ntarvo_floor(kept core)\n"
+     "add_library(late STATIC Late.cpp)\ntarvo_floor(late core)\ntarget_sources(late PRIVATE Later.h)\n"
+     "add_library(nowhere STATIC Late.cpp)\ntarvo_floor(nowhere nowhere)\n")
+file(WRITE ${house}/src/engine/CMakeLists.txt "add_library(unplaced STATIC Unplaced.cpp)\n"
+     "add_executable(tool ../core/Late.cpp)\nadd_library(misplaced STATIC ../core/Late.cpp)\ntarvo_floor(misplaced core)\n")
+foreach(file core/Kept.cpp core/Kept.h core/Late.cpp core/Later.h engine/Unplaced.cpp engine/Stray.h)
+    file(WRITE ${house}/src/${file} "")
+endforeach()
+execute_process(COMMAND ${CMAKE_COMMAND} -S ${house} -B ${house}/build RESULT_VARIABLE status
+                OUTPUT_VARIABLE output ERROR_VARIABLE output)
+string(REGEX REPLACE "[ \n]+" " " output "${output}")
+foreach(escape "unplaced (src/engine) has no floor" "tool (src/engine) has no floor"
+               "misplaced is defined in src/engine but placed in src/core"
+               "nowhere is placed in src/nowhere, which is no floor"
+               "src/core/Later.h was added to late after its tarvo_floor()"
+               "src/engine/Stray.h is a source of no target with a floor"
+               "src/engine/Unplaced.cpp is a source of no target with a floor")
+    string(FIND "${output}" "${escape}" at)
+    if(status EQUAL 0 OR at EQUAL -1)
+        string(APPEND failures "  the build does not fail for: ${escape}\n")
+    endif()
+endforeach()
+if(output MATCHES "Kept|kept")
+    string(APPEND failures "  the build refuses a library that keeps the rules: ${output}\n")
+endif()
 
 if(failures)
-    message(FATAL_ERROR "The include check is wrong:\n${failures}")
+    message(FATAL_ERROR "The floor checks are wrong:\n${failures}")
 endif()

@@ -17,25 +17,16 @@ namespace {
 RegistryModel apply(const std::vector<RegStatement>& statements) {
     RegistryModel model;
     for (const RegStatement& st : statements) {
+        using enum RegStatement::Kind;
         const std::optional<QString> section = sectionOfKeyPath(st.keyPath);
-        if (!section)
-            continue;
-        switch (st.kind) {
-        case RegStatement::Kind::CreateKey:
+        if (section && st.kind == CreateKey)
             model.ensureSection(*section);
-            break;
-        case RegStatement::Kind::DeleteKey:
+        else if (section && st.kind == DeleteKey)
             model.deleteSection(*section);
-            break;
-        case RegStatement::Kind::SetValue:
+        else if (section && st.kind == SetValue)
             model.setValue(*section, st.name, st.text);
-            break;
-        case RegStatement::Kind::DeleteValue:
+        else if (section && st.kind == DeleteValue)
             model.deleteValue(*section, st.name);
-            break;
-        case RegStatement::Kind::Unsupported:
-            break;
-        }
     }
     return model;
 }

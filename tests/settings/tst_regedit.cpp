@@ -4,7 +4,6 @@
 #include "settings/LoadAndCommit.h"
 #include "support/Programs.h"
 
-#include <QStringEncoder>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -36,32 +35,42 @@ private:
 private slots:
     void init() { dir_ = std::make_unique<QTemporaryDir>(); }
 
-    void importsOnlyOurKeysFromBothFormats() {
-        write("v4.reg", reg("REGEDIT4\r\n\r\n[ROOT\\Micropause]\r\n\"InterruptFor\"=\"20\"\r\n"
-                            "\"Warning\"=\"Pause \\\"now\\\" \xe4\"\r\n" // Latin-1 a-umlaut
-                            "[HKEY_LOCAL_MACHINE\\Software\\Other]\r\n\"x\"=\"y\"\r\n"
-                            "[ROOT\\Options]\r\n\"tray\"=\"5\"\r\n\"n\"=dword:00000001\r\n"));
-        ProgramRun r = regedit({file("v4.reg")});
+    // Only our keys are imported, typed values skipped and reported, deletions applied; an export is the
+    // store file itself (escapes, line breaks, empty keys and values, other scripts and all), and
+    // importing it gives the same store.
+    void importAndExport() {
+        write("in.reg",
+              reg("REGEDIT4\r\n[ROOT\\Micropause]\r\n\"InterruptFor\"=\"20\"\r\n"
+                  "\"Warning\"=\"a \\\\ b \\\"c\\\" && d\\nTwo \xe4\"\r\n" // Latin-1 a-umlaut
+                  "[HKEY_LOCAL_MACHINE\\Software\\Other]\r\n\"x\"=\"y\"\r\n[ROOT\\Empty]\r\n"
+                  "[ROOT\\Old\\Sub]\r\n[ROOT\\Scheme \"\xe4\" x\\y [b]]\r\n\"1d\"=\"Roll\"\r\n"
+                  "[ROOT\\Options]\r\n\"tray\"=\"\"\r\n\"gone\"=\"5\"\r\n\"n\"=dword:00000001\r\n"));
+        ProgramRun r = regedit({file("in.reg")});
         QCOMPARE(r.status, 0);
         QVERIFY2(r.out.contains("Skipped [HKEY_LOCAL_MACHINE\\Software\\Other]"), qPrintable(r.out));
         QVERIFY(r.out.contains("Skipped value \"n\""));
+        write("more.reg", reg("REGEDIT4\n[ROOT\\Options]\n\"GONE\"=-\n[-ROOT\\old]\n"
+                              "[ROOT\\Scheme*\xc3\x9cn\xc3\xaf]\n\"1d\"=\"Roll \xe2\x9c\x93\"\n"));
+        r = regedit({"/S", file("more.reg")});
+        QVERIFY2(r.status == 0 && r.out.isEmpty() && r.err.isEmpty(), "/s is silent");
         const QByteArray stored = readFile(storePath());
-        QVERIFY(!stored.contains("HKEY_LOCAL_MACHINE") && !stored.contains("\"n\""));
-        QVERIFY(stored.contains("\"Warning\"=\"Pause \\\"now\\\" \xc3\xa4\"")); // kept as UTF-8
+        QVERIFY(!stored.contains("HKEY_LOCAL_MACHINE") && !stored.contains("\"n\"") &&
+                !stored.contains("gone"));
+        QVERIFY(!stored.contains("\\Old") &&
+                stored.contains("Scheme*\xc3\x9cn\xc3\xaf]\n\"1d\"=\"Roll \xe2\x9c\x93\""));
+        QVERIFY(stored.contains("\"Warning\"=\"a \\\\ b \\\"c\\\" && d\\nTwo \xc3\xa4\"")); // in UTF-8
 
-        // A version 5 file in UTF-16 deletes a value and a key (with the keys below it).
-        const QString v5 =
-            QString::fromUtf8(reg("Windows Registry Editor Version 5.00\r\n\r\n[ROOT\\Options]\r\n"
-                                  "\"TRAY\"=-\r\n[-ROOT\\micropause]\r\n[ROOT\\Scheme*Ünï]\r\n"
-                                  "\"1d\"=\"Roll ✓\"\r\n"));
-        QStringEncoder utf16(QStringEncoder::Utf16LE, QStringEncoder::Flag::WriteBom);
-        write("v5.reg", utf16.encode(v5));
-        r = regedit({"/S", file("v5.reg")});
-        QCOMPARE(r.status, 0);
-        QVERIFY2(r.out.isEmpty() && r.err.isEmpty(), "/s is silent");
-        const QString after = QString::fromUtf8(readFile(storePath()));
-        QVERIFY(!after.contains("tray") && !after.contains("\\Micropause]"));
-        QVERIFY(after.contains("Scheme*Ünï]\n\"1d\"=\"Roll ✓\""));
+        QCOMPARE(regedit({"/e", file("all.reg")}).status, 0);
+        QCOMPARE(readFile(file("all.reg")), stored);
+        QVERIFY(QFile::remove(storePath()));
+        QCOMPARE(regedit({file("all.reg")}).status, 0);
+        QCOMPARE(readFile(storePath()), stored);
+        // One key and the keys below it.
+        QCOMPARE(
+            regedit({"-E", file("one.reg"), QString::fromUtf8(kRoot + "\\SCHEME \"\xc3\xa4\" X")}).status, 0);
+        const QByteArray one = readFile(file("one.reg"));
+        QVERIFY(one.contains("x\\y [b]]") && !one.contains("\\Options]"));
+        QCOMPARE(regedit({"/e", file("no.reg"), "HKEY_CURRENT_USER\\Software"}).status, 1);
     }
 
     void aFileThatFailsImportsNothing() {
@@ -81,31 +90,6 @@ private slots:
         QVERIFY(r.status == 1 && r.err.contains("cannot read"));
         QCOMPARE(regedit({}).status, 2);
         QCOMPARE(regedit({"/x", file("good.reg")}).status, 2);
-    }
-
-    // What the store writes reads back the same, escapes, line breaks, empty keys and values and other
-    // scripts included: an export is the store file itself, and importing it gives the same store.
-    void exportRoundTrip() {
-        write("in.reg", reg("REGEDIT4\n[ROOT\\Micropause]\n\"Warning\"=\"a \\\\ b \\\"c\\\" && d\\nTwo\"\n"
-                            "[ROOT\\Scheme \"\xc3\xa4\" x\\y [b]]\n\"1d\"=\"\xc3\x9cn\xc3\xaf"
-                            "code \xe2\x9c\x93\"\n"
-                            "[ROOT\\Empty]\n[ROOT\\Options]\n\"tray\"=\"\"\n"));
-        QCOMPARE(regedit({file("in.reg")}).status, 0);
-        const QByteArray original = readFile(storePath());
-        QVERIFY(original.contains("\"Warning\"=\"a \\\\ b \\\"c\\\" && d\\nTwo\""));
-        QCOMPARE(regedit({"/e", file("all.reg")}).status, 0);
-        QCOMPARE(readFile(file("all.reg")), original);
-
-        QVERIFY(QFile::remove(storePath()));
-        QCOMPARE(regedit({file("all.reg")}).status, 0);
-        QCOMPARE(readFile(storePath()), original);
-
-        // One key and the keys below it.
-        QCOMPARE(
-            regedit({"-E", file("one.reg"), QString::fromUtf8(kRoot + "\\SCHEME \"\xc3\xa4\" X")}).status, 0);
-        const QByteArray one = readFile(file("one.reg"));
-        QVERIFY(one.contains("x\\y [b]]") && !one.contains("\\Micropause]"));
-        QCOMPARE(regedit({"/e", file("no.reg"), "HKEY_CURRENT_USER\\Software"}).status, 1);
     }
 
     void shippedDefaultsImportAsTheDefaults() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/linux/LinuxFiles.h" // programFolder() and openUserStore() serve the whole program too
+
 #include <QString>
 
 #include <memory>
@@ -19,15 +21,6 @@ class SoundPlayer;
 class TimerFactory;
 class TrayIcon;
 
-// The program folder: the folder of the running executable, with every link on the way resolved, so
-// that a link to the program elsewhere (in ~/bin, say) still finds the files that lie beside it. It
-// holds the programs, "tarvo32.reg", the built-in media and the fallback beep; a stored file name
-// without a folder names a file there.
-QString programFolder();
-
-// The user's settings store at its place ($XDG_CONFIG_HOME/tarvo/registry.reg).
-std::unique_ptr<RegistryStore> openUserStore();
-
 // The single-instance seam alone: a start that only signals the running instance (shut-down) needs
 // nothing else, and no display.
 std::unique_ptr<SingleInstance> createSingleInstance();
@@ -41,8 +34,9 @@ void releaseFreedMemory();
 // The whole of the video helper program, tarvovideo, that plays the exercise videos for MediaCommands.
 int runVideoHelper(int& argc, char** argv);
 
-// Every seam of the running program on a Linux desktop. This header is the folder's only face: the
-// implementations behind it (X11, Wayland, D-Bus, libcanberra, local sockets, Qt widgets) stay private to it.
+// Every seam of the running program on a Linux desktop. This header is the folder's face (beside
+// LinuxFiles.h, its display-free part): the implementations behind it (X11, Wayland, D-Bus, libcanberra,
+// a Unix socket, Qt widgets) stay private to it.
 //
 // Needs the application object: the activity monitor, the tray icon and the message box talk to the
 // display the program runs on.
