@@ -10,6 +10,7 @@
 #include "support/Raised.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QStackedWidget>
@@ -132,6 +133,7 @@ private slots:
         rig.engine.scheduler().SetTimers();
         rig.store.model().setValue("Micropause", "DisableEsc2", "1");
         rig.settings.InterruptEvery = 7;
+        rig.settings.ViewAm = 7; // no size of the list
         Neighbours neighbours;
         frmSettings form(rig.ctx, rig.engine, neighbours);
         form.LoadMeUp();
@@ -160,8 +162,12 @@ private slots:
         QTest::mouseClick(form.findChild<QPushButton*>("cmdApply"), Qt::LeftButton);
         QCOMPARE(txtIntFor->text(), "3");
         QCOMPARE(rig.store.model().value("Micropause", "InterruptFor"), std::optional<QString>("3"));
+        QCOMPARE(rig.store.model().value("Exercise", "ViewAm"), std::optional<QString>("7"));
         QCOMPARE(neighbours.log, QStringList({"sound 2", "warning " + rig.settings.Warning}));
         QVERIFY(form.isVisible());
+        form.findChild<QComboBox*>("comboView")->setCurrentIndex(2);
+        QTest::mouseClick(form.findChild<QPushButton*>("cmdApply"), Qt::LeftButton);
+        QCOMPARE(rig.store.model().value("Exercise", "ViewAm"), std::optional<QString>("2"));
 
         QTest::mouseClick(form.findChild<QPushButton*>("cmdOK"), Qt::LeftButton);
         rig.timeline.advance(499);
