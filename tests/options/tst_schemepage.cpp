@@ -265,6 +265,16 @@ private slots:
         QCOMPARE(r.l()->topLevelItem(0)->text(1), "706 seconds");
         r.select(2);
         QCOMPARE(seconds->text(), "20");
+
+        // The field shows and keeps what the store holds, past what can be typed.
+        r.table().Exercises[1].Seconds = 1200;
+        r.table().Exercises[2].Seconds = -5;
+        r.page.LoadL();
+        r.page.DetailIt();
+        QCOMPARE(seconds->text(), "1200");
+        r.page.LtoExercises();
+        QCOMPARE(r.table().Exercises[1].Seconds, 1200);
+        QCOMPARE(r.table().Exercises[2].Seconds, -5);
     }
 
     // Choosing in either list chooses in both, saving the scheme that is left with its edits.
