@@ -340,6 +340,8 @@ private slots:
         r.click("cmdPreview");
         r.click("cmdDone");
         QVERIFY(!movie->isVisible());
+        const QRect preview = r.w("cmdPreview")->geometry();
+        QCOMPARE(r.w("framex")->childAt(preview.center()), r.w("cmdPreview")); // not Close
         QCOMPARE(r.fc.media.commands().mid(r.fc.media.commands().size() - 2),
                  QStringList({"stop tarvox", "close tarvox"}));
     }
