@@ -18,22 +18,20 @@ faketime_lib=$(compgen -G '/usr/lib/*/faketime/libfaketimeMT.so.1' | head -n 1) 
 names() { # <name>...
     /usr/bin/python3 - "$@" <<'EOF'
 import sys, time, pyatspi
-roles = {pyatspi.ROLE_PUSH_BUTTON, pyatspi.ROLE_CHECK_BOX, pyatspi.ROLE_RADIO_BUTTON,
-         pyatspi.ROLE_TEXT, pyatspi.ROLE_SPIN_BUTTON}
-def controls(node, path):
+roles = {pyatspi.ROLE_PUSH_BUTTON, pyatspi.ROLE_CHECK_BOX, pyatspi.ROLE_RADIO_BUTTON, pyatspi.ROLE_TEXT,
+         pyatspi.ROLE_SPIN_BUTTON}
+def controls(node):
     for child in filter(None, node):
-        here = f"{path} > {child.name or child.getRoleName()}"
         if child.getRole() in roles:
-            yield child.name, here
-        yield from controls(child, here)
+            yield child.name, f"{child.getRoleName()} in {node.name or node.getRoleName()!r}"
+        yield from controls(child)
 for _ in range(50):
-    apps = [a for a in pyatspi.Registry.getDesktop(0) if a is not None and a.name == "Tarvo Micropause"]
-    found = [c for app in apps for c in controls(app, app.name)]
+    found = [c for app in pyatspi.Registry.getDesktop(0) if app and app.name == "Tarvo Micropause" for c in controls(app)]
     missing = set(sys.argv[1:]) - {name for name, _ in found}
     if not missing:
         break
     time.sleep(0.1)
-faults = [f"no name: {path}" for name, path in found if not name] + [f"nothing named {n!r}" for n in missing]
+faults = [f"no name: {where}" for name, where in found if not name] + [f"nothing named {n!r}" for n in missing]
 print("\n".join(faults))
 sys.exit(1 if faults else 0)
 EOF
@@ -59,9 +57,7 @@ for field in "Interrupt me for" every "Exercise every" "Every exercise break, do
     expected+=("Increase $field" "Decrease $field")
 done
 names "${expected[@]}" || fail "the options dialog or the prompt has unnamed controls"
-echo "ok - every control of the options dialog and the prompt has a name"
 xdotool windowactivate --sync "$(xdotool search --onlyvisible --name '^Exercise\.\.\.$' | head -n 1)" key Return
 wait_for 100 visible_window '^Look far \(' || fail "the prompt's Exercise Now showed no player"
 names "End the exercise break" || fail "the player has unnamed controls"
-echo "ok - every control of the player has a name"
-echo PASS
+echo "PASS - every control of the options dialog, the prompt and the player has a name"
