@@ -1,5 +1,6 @@
 #include "controls/UpDown.h"
 
+#include <QAccessible>
 #include <QLineEdit>
 #include <QStyle>
 #include <QToolButton>
@@ -25,7 +26,22 @@ UpDown::UpDown(QWidget* parent)
         b->setFixedWidth(style()->pixelMetric(QStyle::PM_ScrollBarExtent) + 2);
         connect(b, &QToolButton::clicked, this, [this, direction] { step(direction); });
         layout->addWidget(b);
+        (direction > 0 ? up_ : down_) = b;
     }
+    nameArrows(QString());
+}
+
+void UpDown::setBuddy(QLineEdit* buddy) {
+    buddy_ = buddy;
+    // The field's name as assistive technology has it: its own accessible name, else its label's text
+    // without the access key's ampersand.
+    QAccessibleInterface* field = buddy ? QAccessible::queryAccessibleInterface(buddy) : nullptr;
+    nameArrows(field ? field->text(QAccessible::Name) : QString());
+}
+
+void UpDown::nameArrows(const QString& field) {
+    up_->setAccessibleName(field.isEmpty() ? tr("Increase") : tr("Increase %1").arg(field));
+    down_->setAccessibleName(field.isEmpty() ? tr("Decrease") : tr("Decrease %1").arg(field));
 }
 
 void UpDown::setRange(std::int32_t min, std::int32_t max) {

@@ -25,6 +25,9 @@ frmChkExercise::frmChkExercise(ExerciseSequencer& sequencer, QWidget* parent)
     setAttribute(Qt::WA_DeleteOnClose);
     // Shown without activating: whatever the user is typing in keeps the keyboard.
     setAttribute(Qt::WA_ShowWithoutActivating);
+    // The minutes field is the list's own line edit, which no label can point at; the spinner's arrows
+    // take their names from it.
+    ui->cmbMinutes->lineEdit()->setAccessibleName(tr("Minutes to postpone"));
     ui->UpDown1->setBuddy(ui->cmbMinutes->lineEdit());
     ui->UpDown1->setRange(kLeastMinutes, kMostMinutes);
     connect(ui->cmdOK, &QPushButton::clicked, this, &frmChkExercise::cmdOK_Click);

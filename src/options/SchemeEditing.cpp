@@ -117,15 +117,20 @@ std::optional<std::int32_t> reorderTarget(int buttonIndex, std::int32_t p, std::
 
 std::int32_t secondsOfLengthText(const QString& lengthText) {
     const QString number = lengthText.section(QLatin1Char(' '), 0, 0);
+    // A stored length below zero shows with its sign, and keeps it.
+    const qsizetype sign = number.startsWith(QLatin1Char('-')) ? 1 : 0;
     qsizetype digits = 0;
-    while (digits < number.size() && number[digits].isDigit() && number[digits].unicode() < 128)
+    while (sign + digits < number.size() && number[sign + digits].isDigit() &&
+           number[sign + digits].unicode() < 128)
         ++digits;
     if (digits == 0)
         return 0;
     bool ok = false;
-    const qlonglong value = QStringView(number).left(digits).toLongLong(&ok);
-    const qlonglong most = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(ok ? std::min(value, most) : most);
+    const qlonglong value = QStringView(number).mid(sign, digits).toLongLong(&ok);
+    const qlonglong most = sign ? -qlonglong{std::numeric_limits<std::int32_t>::min()}
+                                : qlonglong{std::numeric_limits<std::int32_t>::max()};
+    const qlonglong magnitude = ok ? std::min(value, most) : most;
+    return static_cast<std::int32_t>(sign ? -magnitude : magnitude);
 }
 
 QString lengthText(const QString& seconds) {

@@ -58,8 +58,8 @@ std::int32_t positionAfterRemoval(std::int32_t k, std::int32_t remaining);
 // when it is already at that end (or there is no such position).
 std::optional<std::int32_t> reorderTarget(int buttonIndex, std::int32_t p, std::int32_t n);
 
-// The seconds a list entry shows ("45 seconds"): the whole number before the first blank, 0 when
-// there is none.
+// The seconds a list entry shows ("45 seconds"): the whole number, with its sign, before the first
+// blank; 0 when there is none.
 std::int32_t secondsOfLengthText(const QString& lengthText);
 QString lengthText(const QString& seconds);
 

@@ -397,6 +397,8 @@ void SchemePage::cmdDone_Click() {
     ctx_.media.send(QStringLiteral("stop tarvox"));
     media_.CloseVideo();
     ui->picMovie->hide();
+    // Close lies over Preview and has nothing left to close: Preview is the button there again.
+    ui->cmdClose->hide();
 }
 
 // --- layout ---

@@ -171,7 +171,9 @@ OptionFields frmSettings::readFields() const {
     f.txtEveryM = ui->txtEveryM->text();
     f.chkAudibleX = ui->chkAudibleX->isChecked();
     f.chkBlankX = ui->chkBlankX->isChecked();
-    f.comboView = ui->comboView->currentIndex();
+    // A stored size that the list has no entry for shows as no choice, and stays until the user picks one.
+    const int size = ui->comboView->currentIndex();
+    f.comboView = size >= 0 ? size : ctx_.record.ViewAm;
     f.txtNumAtaTime = ui->txtNumAtaTime->text();
     f.optXstartRandom = ui->optXstart_1->isChecked();
     return f;

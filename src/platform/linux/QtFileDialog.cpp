@@ -2,6 +2,7 @@
 
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 namespace tarvo {
 
@@ -20,17 +21,24 @@ std::optional<QString> QtFileDialog::getOpenFileName(const OpenRequest& request,
 }
 
 QStringList QtFileDialog::nameFilters(const QString& filter) {
+    // A name that lists its patterns in brackets already, as "Video (*.avi)" does, gets them once: Qt
+    // takes the patterns from the last brackets and shows the whole text.
+    static const QRegularExpression listed(QStringLiteral("\\s*\\(([^()]*)\\)$"));
+    static const QRegularExpression separators(QStringLiteral("[\\s;]+"));
     const QStringList parts = filter.split(u'|');
     QStringList result;
     for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        const QStringList given = parts.at(i + 1).split(separators, Qt::SkipEmptyParts);
+        if (given.isEmpty())
+            continue;
         QStringList patterns;
-        for (const QString& pattern : parts.at(i + 1).split(u';', Qt::SkipEmptyParts)) {
-            const QString p = pattern.trimmed();
-            if (!p.isEmpty())
-                patterns << (p == QStringLiteral("*.*") ? QStringLiteral("*") : p);
-        }
-        if (!patterns.isEmpty())
-            result << QStringLiteral("%1 (%2)").arg(parts.at(i).trimmed(), patterns.join(u' '));
+        for (const QString& p : given)
+            patterns << (p == QStringLiteral("*.*") ? QStringLiteral("*") : p);
+        QString name = parts.at(i).trimmed();
+        const QRegularExpressionMatch brackets = listed.match(name);
+        if (brackets.hasMatch() && brackets.captured(1).split(separators, Qt::SkipEmptyParts) == given)
+            name.chop(brackets.capturedLength(0));
+        result << QStringLiteral("%1 (%2)").arg(name, patterns.join(u' '));
     }
     return result;
 }

@@ -63,7 +63,10 @@ private slots:
     void fileDialogFilterForQt() {
         QCOMPARE(QtFileDialog::nameFilters("Audio|*.wav|All files|*.*"),
                  QStringList({"Audio (*.wav)", "All files (*)"}));
-        QCOMPARE(QtFileDialog::nameFilters("Media|*.avi; *.bmp|Odd"), QStringList{"Media (*.avi *.bmp)"});
+        QCOMPARE(QtFileDialog::nameFilters("Video (*.avi)|*.avi;|Pictures (*.bmp)|*.bmp|All files|*.*"),
+                 QStringList({"Video (*.avi)", "Pictures (*.bmp)", "All files (*)"}));
+        QCOMPARE(QtFileDialog::nameFilters("Media (*.avi)|*.avi; *.bmp|Odd"),
+                 QStringList{"Media (*.avi) (*.avi *.bmp)"});
         QCOMPARE(QtFileDialog::nameFilters(QString()), QStringList());
     }
 };
