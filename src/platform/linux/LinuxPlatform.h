@@ -38,9 +38,6 @@ std::unique_ptr<SingleInstance> createSingleInstance();
 // keep for the whole run.
 void releaseFreedMemory();
 
-// The whole of the video helper program, tarvovideo, that plays the exercise videos for MediaCommands.
-int runVideoHelper(int& argc, char** argv);
-
 // Every seam of the running program on a Linux desktop. This header is the folder's only face: the
 // implementations behind it (X11, Wayland, D-Bus, libcanberra, local sockets, Qt widgets) stay private to it.
 //

@@ -1,8 +1,6 @@
-#include "platform/linux/video/VideoService.h"
+#include "video/VideoService.h"
 
-#include "platform/linux/LinuxPlatform.h"
-
-#include <QApplication>
+#include <QCoreApplication>
 #include <QMediaFormat>
 #include <QMediaPlayer>
 #include <QSocketNotifier>
@@ -139,13 +137,6 @@ void VideoService::playIfLoaded(Device& d) {
     // Asked to play straight after the file was set, the player now and then does not start at all.
     if (d.playWanted && d.loaded && d.player->error() == QMediaPlayer::NoError)
         d.player->play();
-}
-
-int runVideoHelper(int& argc, char** argv) {
-    QApplication app(argc, argv);
-    app.setQuitOnLastWindowClosed(false);
-    VideoService service;
-    return app.exec();
 }
 
 } // namespace tarvo

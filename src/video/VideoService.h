@@ -16,8 +16,8 @@ class QWindow;
 
 namespace tarvo {
 
-// The helper program's side of the videos (see MciMediaCommands): it reads one command a line from
-// its standard input and ends when the input ends.
+// The helper program's side of the videos (see platform/linux/MciMediaCommands.h): it reads one command a
+// line from its standard input and ends when the input ends.
 //   open <device> <parent window> <file>     a player for the file, its window a child of the parent
 //   place <device> <x> <y> <w> <h>            the video window's place in the parent; no size: hidden
 //   play <device> <0|1>                       plays once the file has loaded; 1: over and over
