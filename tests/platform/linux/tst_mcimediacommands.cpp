@@ -1,5 +1,6 @@
 // The media commands: the command strings understood (or refused with their error numbers), the
-// aliases kept, the helper started on the first video and ended after the last; and, on a private X
+// aliases kept, the helper started on the first video and ended after the last, and one that hangs or
+// dies given up without a wait; and, on a private X
 // server, the real helper playing a video inside a window of this process, and showing nothing for a
 // damaged file or an installation without the AVI demuxer.
 #include "platform/linux/MciCommand.h"
@@ -8,6 +9,7 @@
 #include "support/XvfbServer.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QProcess>
 #include <QScreen>
 #include <QTemporaryDir>
@@ -41,6 +43,15 @@ int mappedChildren(WId window) {
     return mapped;
 }
 
+// A stand-in for the helper: a shell script, run in `dir`.
+QString standIn(const QTemporaryDir& dir, const QString& script) {
+    const QString path = dir.filePath("helper");
+    QFile::remove(path);
+    writeFile(path, ("#!/bin/sh\ncd '" + dir.path() + "'\n" + script + "\n").toUtf8());
+    QFile(path).setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    return path;
+}
+
 } // namespace
 
 class TestMciMediaCommands : public QObject {
@@ -69,10 +80,12 @@ private slots:
     }
 
     // An alias is opened once; commands for another are refused; a missing file opens nothing. The
-    // helper (here a stand-in that reads and ignores its commands) starts with the first video and ends
-    // soon after the last one closed.
+    // helper (here a stand-in that answers each line by echoing it) starts with the first video, and is
+    // let go soon after the last one closed, without a wait for it to end (this one does not end when
+    // its input does).
     void aliasesAndTheHelpersLife() {
-        MciMediaCommands media("/bin/cat", 50);
+        QTemporaryDir dir;
+        MciMediaCommands media(standIn(dir, "cat\nexec sleep 60"), 50);
         QCOMPARE(media.send("open \"/nonexistent/a.avi\" alias tarvox"), mcierr::FileNotFound);
         QCOMPARE(media.send("play tarvox"), mcierr::InvalidDeviceName);
         QVERIFY(!media.helperRunning());
@@ -82,9 +95,44 @@ private slots:
         QCOMPARE(media.send("put tarvox window at 0 0 239 179"), 0);
         QCOMPARE(media.send("close tarvox"), 0);
         QCOMPARE(media.send("close tarvox"), mcierr::InvalidDeviceName); // harmless
+        QElapsedTimer clock;
+        clock.start();
         QTRY_VERIFY(!media.helperRunning());
+        QVERIFY(clock.elapsed() < 1000);
         QCOMPARE(MciMediaCommands("/nonexistent/helper").send("open \"" + kVideo + "\" alias v"),
                  mcierr::CannotLoadDriver);
+    }
+
+    // A helper that never reads and one that dies cost send() no wait, and the next video nothing: the
+    // helper is given up with its video, and the next open starts another, which gets a file name with a
+    // line break in it as one line.
+    void helpersThatHangOrDie() {
+        QTemporaryDir dir;
+        const QString broken = dir.filePath("neck\nturn.avi");
+        QVERIFY(writeFile(broken, {}));
+        for (const char* failure : {"exec sleep 60", "exit 3"}) {
+            QFile::remove(dir.filePath("started"));
+            QFile::remove(dir.filePath("log"));
+            MciMediaCommands media(
+                standIn(
+                    dir,
+                    QStringLiteral("[ -e started ] || { touch started; %1; }\nexec tee -a log").arg(failure)),
+                50, 300);
+            QElapsedTimer clock;
+            clock.start();
+            for (const QString& command :
+                 {"open \"" + kVideo + "\" alias tarvox", QStringLiteral("put tarvox window at 0 0 9 9"),
+                  QStringLiteral("play tarvox repeat")}) {
+                QCOMPARE(media.send(command), 0);
+                QVERIFY2(clock.restart() < 100, failure);
+            }
+            QTRY_VERIFY(!media.helperRunning());
+            QVERIFY2(clock.elapsed() < 2000, failure);
+            QCOMPARE(media.send("play tarvox"), mcierr::InvalidDeviceName); // gone with its helper
+            QCOMPARE(media.send("open \"" + broken + "\" alias tarvox"), 0);
+            QTRY_VERIFY(readFile(dir.filePath("log")).startsWith("open 2 0 /"));
+            QCOMPARE(readFile(dir.filePath("log")).count('\n'), 1);
+        }
     }
 
     // The real helper plays the video inside a window of this process: a child window appears there
@@ -100,6 +148,8 @@ private slots:
         const QString parent = QString::number(host.winId());
         QTemporaryDir dir;
         QVERIFY(writeFile(dir.filePath("damaged.avi"), readFile(kVideo).left(3000)));
+        const QString video = dir.filePath("neck turn\n.avi"); // neither blank nor line break splits it
+        QVERIFY(QFile::copy(kVideo, video));
 
         MciMediaCommands media(TARVO_PROGRAM_DIR "/tarvovideo");
         const auto play = [&](MciMediaCommands& player, const QString& file) {
@@ -108,7 +158,7 @@ private slots:
             player.send("put tarvox window at 0 0 319 239");
             player.send("play tarvox repeat");
         };
-        play(media, kVideo);
+        play(media, video);
         QTRY_COMPARE_WITH_TIMEOUT(mappedChildren(host.winId()), 1, 10000);
         const auto picture = [&] { return host.screen()->grabWindow(0, 0, 0, 319, 239).toImage(); };
         QTRY_VERIFY_WITH_TIMEOUT(picture().pixelColor(160, 120) != QColor(Qt::black), 10000);
