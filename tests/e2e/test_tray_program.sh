@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # The real program from a fresh profile on an X server with a window manager: without a notification
 # area its stand-in window serves; when one appears the icon docks, and it moves back and forth as the
-# area goes and comes; a right click on either shows the menu, whose "Micropause Now!" shows the break
-# screen; a second start pops the menu up, and "tarvo shutdown" ends both processes and leaves "tray"
-# at "0".
+# area goes and comes; a right click on either shows the menu; a second start pops the menu up without a
+# display, one with another profile's settings says in a box that the program is already running, and
+# "tarvo shutdown" ends both processes and leaves "tray" at "0".
 #   test_tray_program.sh <program folder>
 set -euo pipefail
 bin=$1
@@ -42,35 +42,40 @@ grep -q -F '[HKEY_CURRENT_USER\Software\VB and VBA Program Settings\Tarvo Microp
 eval "$(xdotool getwindowgeometry --shell "$icon")"
 echo "ok - fresh profile initialised; the icon docks, and moves to the stand-in and back as trays go and come"
 
-# Right click on the icon: the menu comes up; its access key "m" starts a micropause.
+# Right click on the icon: the menu comes up.
 right_click_shows_the_menu $((X + WIDTH / 2)) $((Y + HEIGHT / 2)) "the icon"
-echo "ok - a right click on the icon shows the menu"
-xdotool key m
-wait_for 100 visible_window '^Tarvo Micropause$' || fail "\"Micropause Now!\" showed no break screen"
-breakwin=$(xdotool search --onlyvisible --name '^Tarvo Micropause$' | head -n 1)
-eval "$(xdotool getwindowgeometry --shell "$breakwin")"
-[ "$WIDTH" = 1024 ] && [ "$HEIGHT" = 768 ] || fail "the break screen is ${WIDTH}x${HEIGHT}, not the whole screen"
 xdotool key Escape
-wait_for 50 sh -c "! xdotool search --onlyvisible --name '^Tarvo Micropause\$'" || fail "Esc did not end the break"
-echo "ok - \"Micropause Now!\" shows the break screen and Esc ends it"
+echo "ok - a right click on the icon shows the menu"
 
-# A second start pops the menu up in the running instance. Its signal is synchronous: it ends once
-# the running instance has handled it, that is when the menu has been closed.
+# A second start pops the menu up in the running instance, and needs no display for it. Its signal is
+# synchronous: it ends once the running instance has handled it, that is when the menu has been closed.
 before=$(shown)
-"$bin/tarvo" &
+env -u DISPLAY "$bin/tarvo" &
 second=$!
 pids+=("$second")
-wait_for 50 more_shown_than "$before" ||
-    fail "a second start did not pop up the running instance's menu"
+wait_for 50 more_shown_than "$before" || fail "a second start did not pop up the running instance's menu"
 kill -0 "$second" 2>/dev/null || fail "the second start ended before its menu was handled"
 xdotool key Escape
 wait_for 50 sh -c "! kill -0 $second 2>/dev/null" || fail "the second start did not end once the menu closed"
 wait "$second" || fail "the second start ended with status $?"
-echo "ok - a second start pops up the running instance's menu and then ends"
+echo "ok - a second start without a display pops up the running instance's menu and then ends"
+
+# A second start whose settings name no instance (another profile's) says that one is already running,
+# in a box and on standard error.
+XDG_CONFIG_HOME=$work/other "$bin/tarvo" 2>"$work/other.err" &
+other=$!
+pids+=("$other")
+wait_for 100 visible_window '^Tarvo$' || fail "no \"already running\" box"
+xdotool key Return
+wait_for 50 sh -c "! kill -0 $other 2>/dev/null" || fail "the \"already running\" box did not end the start"
+status=0
+wait "$other" || status=$?
+[ "$status" = 1 ] && grep -qx 'Tarvo Micropause is already running in the System Tray' "$work/other.err" ||
+    fail "the start with other settings ended with status $status, saying: $(cat "$work/other.err")"
+echo "ok - a second start with settings that name no instance shows that one is already running"
 
 # "SHUTDOWN" in any case ends the running instance and itself.
 timeout 20 "$bin/tarvo" SHUTDOWN || fail "tarvo SHUTDOWN did not end"
 wait_for 50 sh -c "! kill -0 $tarvo 2>/dev/null" || fail "the running instance did not end"
 grep -q '"tray"="0"' "$store" || fail "shut-down did not set \"tray\" to 0"
 echo "ok - tarvo SHUTDOWN ends both processes and sets \"tray\" to 0"
-echo "5 passed, 0 failed"

@@ -28,9 +28,13 @@ QString programFolder();
 // The user's settings store at its place ($XDG_CONFIG_HOME/tarvo/registry.reg).
 std::unique_ptr<RegistryStore> openUserStore();
 
-// The single-instance seam alone: a start that only signals the running instance (shut-down) needs
-// nothing else, and no display.
+// The single-instance seam alone: a start that only signals the running instance needs nothing else,
+// and no display. The one that becomes the running instance keeps it for its whole run.
 std::unique_ptr<SingleInstance> createSingleInstance();
+
+// A message box alone, for a start that ends before the platform is built. Needs the application
+// object.
+std::unique_ptr<MessageBox> createMessageBox();
 
 // Hands the memory that the allocator holds free back to the system, and lets go of the pages of the
 // program's and libraries' files that were only read (see ResidentPages.h): once start-up has settled,
@@ -57,7 +61,6 @@ public:
     ActivityMonitor& monitor();
     SoundPlayer& sound();
     ProcessRunner& processes();
-    SingleInstance& instance();
     TrayIcon& tray();
     MessageBox& messages();
     FileDialog& files();
