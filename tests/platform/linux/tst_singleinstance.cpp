@@ -12,7 +12,6 @@
 #include <QtTest>
 
 #include <csignal>
-#include <cstring>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -20,13 +19,18 @@
 #include <unistd.h>
 
 using namespace tarvo;
+using Delivery = SingleInstance::Delivery;
 
 namespace {
 
 int umaskCalls = 0;
 
-QString peerPath() {
-    return QCoreApplication::applicationDirPath() + "/instance_peer";
+// Starts a peer that becomes the running instance, calling itself `name` if given; its handle, or 0
+// when it did not.
+std::int32_t startHolder(QProcess& holder, const QStringList& name = {}) {
+    holder.start(QCoreApplication::applicationDirPath() + "/instance_peer", name);
+    const QByteArray line = holder.waitForReadyRead(30000) ? holder.readLine().trimmed() : QByteArray();
+    return line.startsWith("running ") ? line.mid(8).toInt() : 0;
 }
 
 // waitForFinished() fails for a process that the event loop has already seen end.
@@ -34,28 +38,20 @@ bool ends(QProcess& peer) {
     return peer.state() == QProcess::NotRunning || peer.waitForFinished(30000);
 }
 
-// Starts a peer that becomes the running instance; its handle, or 0 when it did not.
-std::int32_t startHolder(QProcess& holder, const QStringList& extra = {}) {
-    holder.start(peerPath(), QStringList{"hold"} + extra);
-    if (!holder.waitForReadyRead(30000))
-        return 0;
-    const QByteArray line = holder.readLine().trimmed();
-    return line.startsWith("running ") ? line.mid(8).toInt() : 0;
-}
-
 // Whether a start of this process would find another instance (it lets go of the lock it may take).
 bool anotherRuns() {
     return LocalSingleInstance().previousInstance();
 }
 
-// A raw connection to an instance's socket, for senders that do not keep to the protocol.
-int connectRaw(std::int32_t handle) {
-    const QByteArray path = QFile::encodeName(LocalSingleInstance::socketPath(handle));
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::memcpy(address.sun_path, path.constData(), static_cast<std::size_t>(path.size()));
+// A raw connection to an instance's socket that sends `junk`, for senders that do not keep to the
+// protocol.
+int connectRaw(std::int32_t handle, const QByteArray& junk = {}) {
+    sockaddr_un address{AF_UNIX, {}};
+    qstrncpy(address.sun_path, QFile::encodeName(LocalSingleInstance::socketPath(handle)),
+             sizeof address.sun_path);
     const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     ::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    ::send(fd, junk.constData(), static_cast<std::size_t>(junk.size()), MSG_NOSIGNAL);
     return fd;
 }
 
@@ -67,7 +63,7 @@ bool closedByInstance(int fd) {
 }
 
 struct KeyListener : SingleInstance::Listener {
-    std::function<void(int)> onKey = [](int) {};
+    std::function<void(int)> onKey;
     void keyDown(int keyCode) override { onKey(keyCode); }
 };
 
@@ -92,59 +88,69 @@ private slots:
         qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime_->path()));
     }
 
-    // The program names itself differently from its executable; its lock must count either way, and
-    // name its holder. "shutdown" is answered and ends the holder; the lock then goes to the next start.
-    void secondProcessSeesRunningInstance() {
-        for (const QStringList& holdArgs : {QStringList(), QStringList{"Tarvo Micropause"}}) {
-            QProcess holder;
-            const std::int32_t handle = startHolder(holder, holdArgs);
-            QCOMPARE(handle, static_cast<std::int32_t>(holder.processId()));
-            // A lock does not go stale with age while its instance lives.
-            QFile lockFile(LocalSingleInstance::lockFilePath());
-            QVERIFY(lockFile.open(QIODevice::ReadOnly) &&
-                    lockFile.setFileTime(QDateTime::currentDateTime().addDays(-2),
-                                         QFileDevice::FileModificationTime));
-            LocalSingleInstance second;
-            QVERIFY(second.previousInstance());
-            QCOMPARE(second.runningHandle(), handle);
+    // The lock counts whatever the program calls itself, however old it is, and names its holder. A
+    // holder that does not answer (stopped here) costs a sender its time limit, no more; "shutdown" is
+    // answered and ends it, and the lock goes to the next start. A killed instance leaves its lock and
+    // socket behind; neither holds up the next start, and a send to its stale handle, or to any handle
+    // nobody listens on, fails at once.
+    void runningStoppedEndedAndKilledInstances() {
+        QProcess holder;
+        const std::int32_t handle = startHolder(holder, {"Tarvo Micropause"});
+        QCOMPARE(handle, static_cast<std::int32_t>(holder.processId()));
+        QFile lockFile(LocalSingleInstance::lockFilePath());
+        QVERIFY(lockFile.open(QIODevice::ReadOnly) &&
+                lockFile.setFileTime(QDateTime::currentDateTime().addDays(-2),
+                                     QFileDevice::FileModificationTime));
+        LocalSingleInstance second(300);
+        QVERIFY(second.previousInstance() && second.runningHandle() == handle);
+        ::kill(handle, SIGSTOP);
+        QElapsedTimer clock;
+        clock.start();
+        QCOMPARE(second.sendKeyDown(handle, 0), Delivery::NoAnswer);
+        QVERIFY(clock.elapsed() >= 300 && clock.elapsed() < 2000);
+        ::kill(handle, SIGCONT);
+        QCOMPARE(second.sendKeyDown(handle, 99), Delivery::Handled);
+        QVERIFY(ends(holder) && holder.readAllStandardOutput() == "key 0\nkey 99\n");
+        QVERIFY(!QFile::exists(LocalSingleInstance::socketPath(handle)));
+        QVERIFY(!second.previousInstance() && anotherRuns() && second.runningHandle() == second.handle());
+        second.release();
+        QVERIFY(!QFile::exists(lockFile.fileName()) && !anotherRuns());
 
-            QCOMPARE(second.sendKeyDown(handle, 99), SingleInstance::Delivery::Handled);
-            QVERIFY(ends(holder));
-            QCOMPARE(holder.readAllStandardOutput().trimmed(), QByteArray("key 99"));
-            QVERIFY(!QFile::exists(LocalSingleInstance::socketPath(handle)));
-            QVERIFY(!second.previousInstance() && anotherRuns());
-            QCOMPARE(second.runningHandle(), second.handle());
-            second.release();
-            QVERIFY(!QFile::exists(lockFile.fileName()) && !anotherRuns());
-        }
+        const std::int32_t killed = startHolder(holder);
+        QVERIFY(killed > 0 && anotherRuns());
+        ::kill(killed, SIGKILL);
+        QVERIFY(ends(holder) && QFile::exists(lockFile.fileName()) &&
+                QFile::exists(LocalSingleInstance::socketPath(killed)));
+        QVERIFY(!second.previousInstance() && anotherRuns());
+        const std::int32_t notASocket = 2147483000;
+        QVERIFY(writeFile(LocalSingleInstance::socketPath(notASocket), {}));
+        clock.restart();
+        for (const std::int32_t stale : {killed, 0, -1, second.handle(), notASocket})
+            QCOMPARE(second.sendKeyDown(stale, 0), Delivery::NotListening);
+        QVERIFY(clock.elapsed() < 1000);
     }
 
     // Connections that send no key code are cut off without reaching the listener, and so is the oldest
-    // of too many silent ones. A real sender returns only once its code has been handled; one that is
-    // killed while its code is handled (the popped-up menu runs an event loop of its own meanwhile)
-    // leaves the instance unhurt and serving the next.
-    void senderReturnsAfterCodeWasHandled() {
+    // of too many silent ones. A sender that goes away while its code is handled (the popped-up menu
+    // runs an event loop of its own meanwhile) leaves the instance unhurt and answering the next.
+    void sendersThatDoNotKeepToTheProtocol() {
         LocalSingleInstance instance;
         QVERIFY(!instance.previousInstance());
-        QProcess sender;
+        int leaving = -1;
         QList<int> handled;
-        bool senderWaited = false;
         KeyListener listener;
         listener.onKey = [&](int keyCode) {
             handled.append(keyCode);
             if (keyCode == 7) {
-                sender.kill();
+                ::close(leaving);
                 QEventLoop menu;
                 QTimer::singleShot(300, &menu, &QEventLoop::quit);
                 menu.exec();
-                return;
             }
-            senderWaited = sender.state() == QProcess::Running && !sender.waitForFinished(300);
         };
         instance.listen(listener);
         for (const QByteArray& junk : {QByteArray("abc\n"), QByteArray(100, '1'), QByteArray()}) {
-            const int intruder = connectRaw(instance.handle());
-            ::send(intruder, junk.constData(), static_cast<std::size_t>(junk.size()), MSG_NOSIGNAL);
+            const int intruder = connectRaw(instance.handle(), junk);
             if (junk.isEmpty())
                 ::shutdown(intruder, SHUT_WR);
             QTRY_VERIFY_WITH_TIMEOUT(closedByInstance(intruder), 10000);
@@ -158,46 +164,13 @@ private slots:
         for (const int fd : silent)
             ::close(fd);
 
-        const QList<int> codes{7, 0, 99, -5};
-        for (const int keyCode : codes) {
-            senderWaited = false;
-            sender.start(peerPath(), {"send", QString::number(instance.handle()), QString::number(keyCode)});
-            QTRY_COMPARE_WITH_TIMEOUT(handled.size(), codes.indexOf(keyCode) + 1, 30000);
-            QVERIFY(ends(sender));
-            if (keyCode == 7)
-                continue;
-            QVERIFY2(senderWaited, "the sender returned while the key code was being handled");
-            QCOMPARE(sender.readAllStandardOutput().trimmed(), QByteArray("handled"));
-        }
-        QCOMPARE(handled, codes);
-    }
-
-    // An instance that does not answer (stopped here) costs a sender its time limit, no more. A killed
-    // instance leaves its lock and socket behind; neither holds up the next start, and a send to its
-    // stale handle, or to any handle nobody listens on, fails at once.
-    void unansweredAndKilledInstances() {
-        QProcess holder;
-        const std::int32_t killed = startHolder(holder);
-        QVERIFY(killed > 0);
-        ::kill(killed, SIGSTOP);
-        QElapsedTimer clock;
-        clock.start();
-        QCOMPARE(LocalSingleInstance(300).sendKeyDown(killed, 0), SingleInstance::Delivery::NoAnswer);
-        QVERIFY(clock.elapsed() >= 300 && clock.elapsed() < 2000);
-        ::kill(killed, SIGKILL);
-        QVERIFY(ends(holder));
-        QVERIFY(QFile::exists(LocalSingleInstance::lockFilePath()) &&
-                QFile::exists(LocalSingleInstance::socketPath(killed)));
-
-        LocalSingleInstance next;
-        QVERIFY(!next.previousInstance() && anotherRuns());
-        const std::int32_t notASocket = 2147483000;
-        QVERIFY(writeFile(LocalSingleInstance::socketPath(notASocket), {}));
-        for (const std::int32_t handle : {killed, 0, -1, next.handle(), notASocket}) {
-            clock.restart();
-            QCOMPARE(next.sendKeyDown(handle, 0), SingleInstance::Delivery::NotListening);
-            QVERIFY(clock.elapsed() < 1000);
-        }
+        leaving = connectRaw(instance.handle(), "7\n");
+        QTRY_COMPARE(handled, QList<int>{7});
+        const int next = connectRaw(instance.handle(), "-5\n");
+        QTRY_COMPARE(handled, QList<int>({7, -5}));
+        char answer[4] = {};
+        QVERIFY(::recv(next, answer, sizeof answer, 0) == 3 && QByteArray(answer) == "ok\n");
+        ::close(next);
     }
 
     // The socket is user-only whatever the umask, which stays untouched. A file under our socket's name
@@ -206,24 +179,22 @@ private slots:
     void socketIsPrivateToUser() {
         QTemporaryDir tmp;
         qputenv("TMPDIR", QFile::encodeName(tmp.path()));
-        const QString prefix = QDir(QDir(tmp.path()).canonicalPath())
-                                   .filePath(QStringLiteral("tarvo-micropause-%1").arg(::getuid()));
+        const QByteArray fallback = QFile::encodeName(
+            QDir(tmp.path()).canonicalPath() + QStringLiteral("/tarvo-micropause-%1-").arg(::getuid()));
         const mode_t userMask = ::umask(0);
         umaskCalls = 0;
-        for (const QByteArray& runtime : {runtime_->path().toLocal8Bit(), QByteArray(),
+        for (const QByteArray& runtime : {QFile::encodeName(runtime_->path()), QByteArray(),
                                           QByteArray("run/user"), QByteArray("/nonexistent/tarvo-runtime")}) {
             qputenv("XDG_RUNTIME_DIR", runtime);
             LocalSingleInstance instance;
-            QVERIFY(!instance.previousInstance());
+            QVERIFY(!instance.previousInstance() && anotherRuns());
             const QByteArray path = QFile::encodeName(LocalSingleInstance::socketPath(instance.handle()));
             QVERIFY(writeFile(QFile::decodeName(path), {}));
             KeyListener listener;
             instance.listen(listener);
             struct stat st {};
-            QCOMPARE(::stat(path.constData(), &st), 0);
-            QVERIFY2(S_ISSOCK(st.st_mode) && (st.st_mode & 0777) == 0600, runtime.constData());
-            QCOMPARE(path.startsWith(QFile::encodeName(prefix)), runtime != runtime_->path().toLocal8Bit());
-            QVERIFY(QFile::exists(LocalSingleInstance::lockFilePath()) && anotherRuns());
+            QVERIFY2(::stat(path, &st) == 0 && S_ISSOCK(st.st_mode) && (st.st_mode & 0777) == 0600, path);
+            QCOMPARE(path.startsWith(fallback), runtime != QFile::encodeName(runtime_->path()));
         }
         QCOMPARE(umaskCalls, 0);
         ::umask(userMask);
