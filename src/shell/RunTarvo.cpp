@@ -85,6 +85,10 @@ int runTarvo(int& argc, char** argv) {
             return 0;
         }
     }
+    // The program draws nothing with OpenGL; Qt's GL integration would cost memory for nothing.
+    if (qEnvironmentVariableIsEmpty("QT_XCB_GL_INTEGRATION"))
+        qputenv("QT_XCB_GL_INTEGRATION", "none");
+
     const QString commandLine = wholeArgumentText(argc, argv);
     const bool shutdown = isShutdownRequest(commandLine);
     const std::unique_ptr<SingleInstance> instance = createSingleInstance();
@@ -104,10 +108,6 @@ int runTarvo(int& argc, char** argv) {
             showAlreadyRunning(argc, argv, second.problem);
         return 1;
     }
-
-    // The program draws nothing with OpenGL; Qt's GL integration would cost memory for nothing.
-    if (qEnvironmentVariableIsEmpty("QT_XCB_GL_INTEGRATION"))
-        qputenv("QT_XCB_GL_INTEGRATION", "none");
 
     std::optional<DesktopRequired> desktopRequired(std::in_place);
     TarvoApplication app(argc, argv);
