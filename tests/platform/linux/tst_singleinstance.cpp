@@ -182,7 +182,6 @@ private slots:
         const QByteArray fallback = QFile::encodeName(
             QDir(tmp.path()).canonicalPath() + QStringLiteral("/tarvo-micropause-%1-").arg(::getuid()));
         const mode_t userMask = ::umask(0);
-        umaskCalls = 0;
         for (const QByteArray& runtime : {QFile::encodeName(runtime_->path()), QByteArray(),
                                           QByteArray("run/user"), QByteArray("/nonexistent/tarvo-runtime")}) {
             qputenv("XDG_RUNTIME_DIR", runtime);
@@ -196,7 +195,7 @@ private slots:
             QVERIFY2(::stat(path, &st) == 0 && S_ISSOCK(st.st_mode) && (st.st_mode & 0777) == 0600, path);
             QCOMPARE(path.startsWith(fallback), runtime != QFile::encodeName(runtime_->path()));
         }
-        QCOMPARE(umaskCalls, 0);
+        QCOMPARE(umaskCalls, 1); // this test's own: listening made none
         ::umask(userMask);
         qunsetenv("TMPDIR");
     }
