@@ -2,7 +2,7 @@
 function(tarvo_floor_of folder result)
     if(folder STREQUAL "core")
         set(floor 0)
-    elseif(folder MATCHES "^(platform/linux|platform/fake|settings)$")
+    elseif(folder MATCHES "^(platform/linux|platform/fake|settings|video)$")
         set(floor 1)
     elseif(folder MATCHES "^(engine|controls)$")
         set(floor 2)

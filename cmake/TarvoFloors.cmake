@@ -3,11 +3,11 @@
 # tarvo_floor(<target> <folder>) places a library or program of src/<folder> on its floor: every build
 # checks the includes of its sources (CheckIncludes.cmake), and tarvo_check_floors(), run once all
 # targets are known, checks what it links. A library links only floors below its own; the display-free
-# floors (core, settings, engine) link no Qt Gui or Widgets, however indirectly; and only the Linux
-# platform links X11, Wayland, D-Bus and Qt Multimedia. Nothing escapes the checks: every library and
-# program defined below src/ must be given its floor, and every .cpp and .h file below src/ must be a
-# source of one of them, listed before its tarvo_floor() (a header listed nowhere has its includes
-# checked by nobody).
+# floors (core, settings, engine) link no Qt Gui or Widgets, however indirectly; only the Linux
+# platform links X11, Wayland and D-Bus, and only the video helper Qt Multimedia. Nothing escapes the
+# checks: every library and program defined below src/ must be given its floor, and every .cpp and .h
+# file below src/ must be a source of one of them, listed before its tarvo_floor() (a header listed
+# nowhere has its includes checked by nobody).
 include(${CMAKE_CURRENT_LIST_DIR}/TarvoFloorNumbers.cmake)
 set(TARVO_CHECK_INCLUDES ${CMAKE_CURRENT_LIST_DIR}/CheckIncludes.cmake)
 
@@ -144,9 +144,12 @@ function(tarvo_check_floors)
                     endif()
                 endif()
             endif()
-            if(link MATCHES "^(PkgConfig::XCB_.*|PkgConfig::WAYLAND_CLIENT|Qt6::DBus|Qt6::Multimedia|Qt6::MultimediaWidgets)$"
+            if(link MATCHES "^(PkgConfig::XCB_.*|PkgConfig::WAYLAND_CLIENT|Qt6::DBus)$"
                AND NOT folder STREQUAL "platform/linux")
                 string(APPEND problems "  ${target} (src/${folder}) links ${link}, which only the Linux platform may\n")
+            endif()
+            if(link MATCHES "^Qt6::Multimedia" AND NOT folder STREQUAL "video")
+                string(APPEND problems "  ${target} (src/${folder}) links ${link}, which only the video helper may\n")
             endif()
         endforeach()
         if(folder MATCHES "^(core|settings|engine)$")

@@ -1,7 +1,7 @@
 // tarvovideo: plays the exercise videos inside the program's player, on its behalf (see
-// platform/linux/MciMediaCommands.h). Not meant to be started by hand.
-#include "platform/linux/LinuxPlatform.h"
+// video/TarvoVideo.h). Not meant to be started by hand.
+#include "video/TarvoVideo.h"
 
 int main(int argc, char** argv) {
-    return tarvo::runVideoHelper(argc, argv);
+    return tarvo::runTarvoVideo(argc, argv);
 }

@@ -9,7 +9,8 @@ namespace tarvo {
 // The running instance is identified by a handle that start-up stores under "tray" in "Options"; a
 // second start reads it back and sends a key code to that instance: kShutdownKey asks it to shut down,
 // any other code to pop up its tray menu. The send is synchronous: it returns only after the running
-// instance has handled the code (or at once, when nothing answers under that handle).
+// instance has handled the code (or at once, when nothing listens under that handle, or when the
+// sender's time limit has passed).
 class SingleInstance {
 public:
     // The key code that asks the running instance to shut down.
@@ -41,10 +42,20 @@ public:
     // object.
     virtual void listen(Listener& listener) = 0;
 
-    // Sends a key code to the instance with this handle and waits until it has been handled, or
-    // until the instance ended while handling it (shut-down). Returns false when nothing listens
-    // under the handle (the caller then simply ends).
-    virtual bool sendKeyDown(std::int32_t handle, int keyCode) = 0;
+    // The handle of the instance that holds the lock, as the lock tells it; 0 when that cannot be told
+    // (none holds it, or the lock cannot be read).
+    virtual std::int32_t runningHandle() const = 0;
+
+    // What became of a key code sent.
+    enum class Delivery {
+        Handled,      // the instance has handled it, or ended while handling it (shut-down)
+        NotListening, // nothing listens under the handle
+        NoAnswer,     // the instance took it but did not answer within the sender's time limit
+    };
+
+    // Sends a key code to the instance with this handle and waits, up to a time limit of the
+    // sender's, until it has been handled. Needs neither a display nor an event loop.
+    virtual Delivery sendKeyDown(std::int32_t handle, int keyCode) = 0;
 
     // Stops answering and gives up the instance lock (shut-down).
     virtual void release() = 0;

@@ -1,5 +1,6 @@
 #include "shell/RunTarvo.h"
 
+#include "core/MessageBox.h"
 #include "core/ProgramInfo.h"
 #include "core/RegistryStore.h"
 #include "core/SingleInstance.h"
@@ -16,6 +17,7 @@
 #include <QApplication>
 #include <QTextStream>
 
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -39,18 +41,35 @@ QString wholeArgumentText(int argc, char** argv) {
     return words.join(QLatin1Char(' '));
 }
 
-// A shut-down needs no display: it only signals the running instance, if any. Returns false when the
-// start must go on with the desktop after all: an instance runs but cannot be reached yet, which the
-// user is told in a message box.
-bool shutDownRunningInstance() {
-    const std::unique_ptr<SingleInstance> instance = createSingleInstance();
+// Settles the single-instance question before the application object exists: a second start only
+// signals the running instance and needs no display for it.
+SecondStart settleSecondStart(SingleInstance& instance, bool shutdown) {
     const std::unique_ptr<RegistryStore> store = openUserStore();
     SettingsStore settings(*store);
     try {
-        return signalRunningInstance(*instance, settings, true) != RunningInstance::Starting;
+        return signalRunningInstance(instance, settings, shutdown);
     } catch (const std::exception& e) {
         endWithFatalError(e, nullptr);
     }
+}
+
+// Whether a message box could reach somebody: a display to show it on, and a platform with a user.
+bool desktopAtHand() {
+    const QString platform = qEnvironmentVariable("QT_QPA_PLATFORM");
+    if (platform.startsWith(QLatin1String("offscreen")) || platform.startsWith(QLatin1String("minimal")))
+        return false;
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+// The "already running" box of a plain second start, for a start from the desktop's menu, which has
+// nobody reading standard error.
+void showAlreadyRunning(int& argc, char** argv, const QString& text) {
+    if (!desktopAtHand())
+        return;
+    std::optional<DesktopRequired> desktopRequired(std::in_place);
+    TarvoApplication app(argc, argv);
+    desktopRequired.reset();
+    createMessageBox()->show(text, QStringLiteral("Tarvo"), MessageBox::Buttons::Ok);
 }
 
 } // namespace
@@ -66,13 +85,29 @@ int runTarvo(int& argc, char** argv) {
             return 0;
         }
     }
-    const QString commandLine = wholeArgumentText(argc, argv);
-    if (isShutdownRequest(commandLine) && shutDownRunningInstance())
-        return 0;
-
     // The program draws nothing with OpenGL; Qt's GL integration would cost memory for nothing.
     if (qEnvironmentVariableIsEmpty("QT_XCB_GL_INTEGRATION"))
         qputenv("QT_XCB_GL_INTEGRATION", "none");
+
+    const QString commandLine = wholeArgumentText(argc, argv);
+    const bool shutdown = isShutdownRequest(commandLine);
+    const std::unique_ptr<SingleInstance> instance = createSingleInstance();
+    const SecondStart second = settleSecondStart(*instance, shutdown);
+    switch (second.found) {
+    case RunningInstance::None:
+        if (shutdown)
+            return 0; // nothing runs that could be shut down, and nothing is written
+        break;
+    case RunningInstance::Signalled:
+        return 0;
+    case RunningInstance::Starting:
+    case RunningInstance::Unreachable:
+        std::fprintf(stderr, "%s\n", qPrintable(second.problem));
+        std::fflush(stderr);
+        if (second.found == RunningInstance::Starting && !shutdown)
+            showAlreadyRunning(argc, argv, second.problem);
+        return 1;
+    }
 
     std::optional<DesktopRequired> desktopRequired(std::in_place);
     TarvoApplication app(argc, argv);
@@ -87,11 +122,10 @@ int runTarvo(int& argc, char** argv) {
         const QIcon icon = programIcon();
         QApplication::setWindowIcon(icon); // every window of the program carries it
         TarvoProgram program(ctx,
-                             {platform.instance(), platform.tray(), platform.processes(), commandLine,
+                             {*instance, platform.tray(), platform.processes(),
                               qEnvironmentVariable("windir"), releaseFreedMemory},
                              icon);
-        if (!program.Form_Load())
-            return 0;
+        program.Form_Load();
         // A session that ends the program still takes the icon away and clears "tray".
         QObject::connect(&app, &QCoreApplication::aboutToQuit, &app, [&] { program.Form_Unload(); });
         return app.exec();

@@ -3,7 +3,6 @@
 #include "about/frmAboutKelmar.h"
 #include "core/ActivityMonitor.h"
 #include "core/Clock.h"
-#include "core/MessageBox.h"
 #include "core/ProcessRunner.h"
 #include "core/ProgramInfo.h"
 #include "core/SingleInstance.h"
@@ -17,7 +16,6 @@
 #include "options/frmSettings.h"
 #include "settings/LoadAndCommit.h"
 #include "settings/Options.h"
-#include "shell/SecondStart.h"
 #include "shell/TrayHook.h"
 #include "shell/TrayMenu.h"
 
@@ -37,20 +35,7 @@ TarvoProgram::TarvoProgram(AppContext& context, ShellContext shell, QIcon icon)
 
 TarvoProgram::~TarvoProgram() = default;
 
-bool TarvoProgram::Form_Load() {
-    const bool shutdownRequested = isShutdownRequest(shell_.commandLine);
-    switch (signalRunningInstance(shell_.instance, ctx_.settings, shutdownRequested)) {
-    case RunningInstance::Starting:
-        ctx_.messages.show(QStringLiteral("Tarvo Micropause is already running in the System Tray"),
-                           QStringLiteral("Tarvo"), MessageBox::Buttons::Ok);
-        return false;
-    case RunningInstance::Signalled:
-        return false;
-    case RunningInstance::None:
-        break;
-    }
-    if (shutdownRequested)
-        return false; // nothing runs that could be shut down, and nothing is written
+void TarvoProgram::Form_Load() {
     try {
         startRunning();
     } catch (...) {
@@ -59,7 +44,6 @@ bool TarvoProgram::Form_Load() {
         shell_.instance.release();
         throw;
     }
-    return true;
 }
 
 void TarvoProgram::startRunning() {

@@ -31,8 +31,7 @@ struct ShellContext {
     SingleInstance& instance;
     TrayIcon& tray;
     ProcessRunner& processes;
-    QString commandLine; // the arguments joined by single blanks
-    QString windir;      // the "windir" environment variable (normally unset here)
+    QString windir; // the "windir" environment variable (normally unset here)
     // Lets go of memory the idle program does not need: once start-up has settled, and after each
     // exercise break.
     std::function<void()> releaseFreedMemory = [] {};
@@ -51,9 +50,10 @@ public:
     TarvoProgram(const TarvoProgram&) = delete;
     TarvoProgram& operator=(const TarvoProgram&) = delete;
 
-    // Start-up. Returns true when this is now the running instance, false when the process should end
-    // at once (another instance runs and was signalled or reported, or "shutdown" with none running).
-    bool Form_Load();
+    // Start-up, once this start has become the running instance: the single-instance question and the
+    // word "shutdown" are settled before, without a display (SecondStart.h), and the instance seam
+    // holds the lock.
+    void Form_Load();
     // Shut-down, once however often it is asked for: input watching off, icon gone, "tray" back to "0",
     // the exercise video closed, the instance lock given up.
     void Form_Unload();

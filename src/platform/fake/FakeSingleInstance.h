@@ -2,7 +2,6 @@
 
 #include "core/SingleInstance.h"
 
-#include <functional>
 #include <vector>
 
 namespace tarvo {
@@ -30,11 +29,10 @@ public:
     }
     std::int32_t handle() const override { return handle_; }
     void listen(Listener& listener) override { listener_ = &listener; }
-    bool sendKeyDown(std::int32_t handle, int keyCode) override {
+    std::int32_t runningHandle() const override { return runningHandle_; }
+    Delivery sendKeyDown(std::int32_t handle, int keyCode) override {
         sent_.push_back({handle, keyCode});
-        if (onSend_)
-            onSend_(sent_.back());
-        return sendReachesInstance_;
+        return delivery_;
     }
     void release() override {
         listener_ = nullptr;
@@ -42,11 +40,13 @@ public:
         ++releaseCalls_;
     }
 
-    void setOtherInstanceRunning(bool running) { otherInstanceRunning_ = running; }
-    // What sendKeyDown() reports: whether an instance answered under the handle.
-    void setSendReachesInstance(bool reaches) { sendReachesInstance_ = reaches; }
-    // Called on every send, e.g. to note its place among other events of a start-up.
-    void setOnSend(std::function<void(const Sent&)> onSend) { onSend_ = std::move(onSend); }
+    // Another instance holds the lock, under this handle (0: one that cannot be told).
+    void setOtherInstanceRunning(bool running, std::int32_t handle = 0) {
+        otherInstanceRunning_ = running;
+        runningHandle_ = running ? handle : 0;
+    }
+    // What sendKeyDown() reports.
+    void setDelivery(Delivery delivery) { delivery_ = delivery; }
 
     // Hands a key code to the listener as a second start would; false when nothing listens.
     bool deliverKeyDown(int keyCode) {
@@ -65,12 +65,12 @@ public:
 private:
     std::int32_t handle_;
     bool otherInstanceRunning_ = false;
-    bool sendReachesInstance_ = true;
+    std::int32_t runningHandle_ = 0;
+    Delivery delivery_ = Delivery::Handled;
     bool holdsLock_ = false;
     int previousInstanceCalls_ = 0;
     int releaseCalls_ = 0;
     Listener* listener_ = nullptr;
-    std::function<void(const Sent&)> onSend_;
     std::vector<Sent> sent_;
 };
 

@@ -23,6 +23,10 @@ std::unique_ptr<SingleInstance> createSingleInstance() {
     return std::make_unique<LocalSingleInstance>();
 }
 
+std::unique_ptr<MessageBox> createMessageBox() {
+    return std::make_unique<QtMessageBox>();
+}
+
 void releaseFreedMemory() {
     malloc_trim(0);
     releaseReadOnlyFilePages();
@@ -36,7 +40,6 @@ struct LinuxPlatform::Seams {
     std::unique_ptr<ActivityMonitor> monitor = createActivityMonitor(clock);
     CanberraSoundPlayer sound{folder + QStringLiteral("/beep.wav")};
     QProcessRunner processes;
-    LocalSingleInstance instance;
     QtTrayIcon tray;
     QtMessageBox messages;
     QtFileDialog files;
@@ -70,9 +73,6 @@ SoundPlayer& LinuxPlatform::sound() {
 }
 ProcessRunner& LinuxPlatform::processes() {
     return seams_->processes;
-}
-SingleInstance& LinuxPlatform::instance() {
-    return seams_->instance;
 }
 TrayIcon& LinuxPlatform::tray() {
     return seams_->tray;

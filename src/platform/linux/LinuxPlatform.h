@@ -21,18 +21,19 @@ class SoundPlayer;
 class TimerFactory;
 class TrayIcon;
 
-// The single-instance seam alone: a start that only signals the running instance (shut-down) needs
-// nothing else, and no display.
+// The single-instance seam alone: a start that only signals the running instance needs nothing else,
+// and no display. The one that becomes the running instance keeps it for its whole run.
 std::unique_ptr<SingleInstance> createSingleInstance();
+
+// A message box alone, for a start that ends before the platform is built. Needs the application
+// object.
+std::unique_ptr<MessageBox> createMessageBox();
 
 // Hands the memory that the allocator holds free back to the system, and lets go of the pages of the
 // program's and libraries' files that were only read (see ResidentPages.h): once start-up has settled,
 // and after a break, whose windows and pictures leave the heap with free pages that it would otherwise
 // keep for the whole run.
 void releaseFreedMemory();
-
-// The whole of the video helper program, tarvovideo, that plays the exercise videos for MediaCommands.
-int runVideoHelper(int& argc, char** argv);
 
 // Every seam of the running program on a Linux desktop. This header is the folder's face (beside
 // LinuxFiles.h, its display-free part): the implementations behind it (X11, Wayland, D-Bus, libcanberra,
@@ -54,7 +55,6 @@ public:
     ActivityMonitor& monitor();
     SoundPlayer& sound();
     ProcessRunner& processes();
-    SingleInstance& instance();
     TrayIcon& tray();
     MessageBox& messages();
     FileDialog& files();

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -150,12 +151,16 @@ bool LocalSingleInstance::openListeningSocket() {
     // The name carries our own process id, so a file under it was left by a process that had the same
     // id before and is gone: it is ours to replace.
     ::unlink(address.sun_path);
-    // The socket file is created user-only from the start: in the shared temporary folder another
-    // user must not get in even for the moment between bind and chmod.
-    const mode_t savedMask = ::umask(077);
-    const bool bound = ::bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-    ::umask(savedMask);
-    if (!bound || ::chmod(address.sun_path, 0600) != 0 || ::listen(fd, SOMAXCONN) != 0) {
+    // The socket file is user-only from the moment it exists: in the shared temporary folder another
+    // user must not get in even between bind and a chmod (connecting to a socket file takes write
+    // permission on it, on Linux). Linux's bind creates the file with the mode of the socket's own
+    // inode less the umask, and fchmod on a socket sets that inode's mode: so the file is born 0600 or
+    // stricter, whatever the umask. The umask itself is left alone: it belongs to the whole process,
+    // and Qt's threads (D-Bus, the X event reader) create files while this runs. The chmod after bind
+    // only puts back what a umask stricter than 077 took away.
+    if (::fchmod(fd, 0600) != 0 ||
+        ::bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+        ::chmod(address.sun_path, 0600) != 0 || ::listen(fd, SOMAXCONN) != 0) {
         const int error = errno;
         ::close(fd);
         errno = error;
@@ -234,33 +239,43 @@ void LocalSingleInstance::readFrom(Connection* connection) {
     (void)::send(owned->fd.get(), kAnswer, sizeof kAnswer - 1, MSG_NOSIGNAL | MSG_DONTWAIT);
 }
 
-bool LocalSingleInstance::sendKeyDown(std::int32_t handle, int keyCode) {
+std::int32_t LocalSingleInstance::runningHandle() const {
+    if (lock_)
+        return handle();
+    qint64 pid = 0;
+    QString host;
+    QString application;
+    if (!QLockFile(lockFilePath()).getLockInfo(&pid, &host, &application) || pid <= 0 ||
+        pid > std::numeric_limits<std::int32_t>::max())
+        return 0;
+    return static_cast<std::int32_t>(pid);
+}
+
+SingleInstance::Delivery LocalSingleInstance::sendKeyDown(std::int32_t handle, int keyCode) {
     sockaddr_un address{};
     if (handle <= 0 || !socketAddress(socketPath(handle), address))
-        return false;
+        return Delivery::NotListening;
     const QDeadlineTimer deadline(replyTimeoutMs_);
     const FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     // A missing socket, a plain file, or one left by an instance that is gone fails here at once.
     if (socket.get() < 0 ||
         ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
-        return false;
+        return Delivery::NotListening;
     const QByteArray line = QByteArray::number(keyCode) + '\n';
     if (::send(socket.get(), line.constData(), static_cast<std::size_t>(line.size()), MSG_NOSIGNAL) !=
         line.size())
-        return false;
+        return Delivery::NotListening;
     // The instance has the key code. Wait for its answer; an instance that ends while handling the
     // code (shut-down) closes the connection without one, which ends the wait just as well.
     char answer[8];
     for (;;) {
-        if (!waitReadable(socket.get(), deadline)) {
-            qWarning("Tarvo Micropause: the running instance did not answer within %d ms", replyTimeoutMs_);
-            return true;
-        }
+        if (!waitReadable(socket.get(), deadline))
+            return Delivery::NoAnswer;
         const ssize_t got = ::recv(socket.get(), answer, sizeof answer, 0);
         if (got < 0 && errno == EINTR)
             continue;
         if (got <= 0 || std::memchr(answer, '\n', static_cast<std::size_t>(got)) != nullptr)
-            return true;
+            return Delivery::Handled;
     }
 }
 

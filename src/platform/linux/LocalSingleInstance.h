@@ -22,7 +22,9 @@ namespace tarvo {
 //
 // The handle is the process id. The instance listens on the socket "tarvo-micropause-<handle>",
 // accessible to its own user only. A sender writes the key code as one decimal line; the instance
-// hands it to the listener and then answers "ok" on one line, which the sender waits for.
+// hands it to the listener and then answers "ok" on one line, which the sender waits for. The lock
+// file names the process that holds it, so a sender can tell whether a handle is the running
+// instance's.
 //
 // The instance's side is a plain socket under socket notifiers on the user-interface thread. A
 // connection is taken out of the watched set before its key code is handed on, so that whatever the
@@ -44,7 +46,8 @@ public:
     bool previousInstance() override;
     std::int32_t handle() const override;
     void listen(Listener& listener) override;
-    bool sendKeyDown(std::int32_t handle, int keyCode) override;
+    std::int32_t runningHandle() const override;
+    Delivery sendKeyDown(std::int32_t handle, int keyCode) override;
     void release() override;
 
     // Where the instance lock and the socket of the instance with this handle are, as the current

@@ -1,7 +1,9 @@
-// The single instance between real processes: the lock as the previous-instance report, key codes
-// answered after they were handled, what a killed instance leaves behind, and who may connect.
-// Every test runs with a private runtime folder, which the peer processes inherit.
+// The single instance between real processes: the lock as the previous-instance report and the
+// holder's handle, key codes answered after they were handled, a send's time limit, what a killed
+// instance leaves behind, and who may connect. Every test runs with a private runtime folder, which
+// the peer processes inherit.
 #include "platform/linux/LocalSingleInstance.h"
+#include "support/Programs.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
@@ -10,27 +12,25 @@
 #include <QtTest>
 
 #include <csignal>
-#include <cstring>
-#include <memory>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 using namespace tarvo;
+using Delivery = SingleInstance::Delivery;
 
 namespace {
 
-QString peerPath() {
-    return QCoreApplication::applicationDirPath() + "/instance_peer";
-}
+int umaskCalls = 0;
 
-QByteArray runPeer(const QStringList& args) {
-    QProcess peer;
-    peer.start(peerPath(), args);
-    if (!peer.waitForFinished(30000))
-        return "no answer";
-    return peer.readAllStandardOutput().trimmed();
+// Starts a peer that becomes the running instance, calling itself `name` if given; its handle, or 0
+// when it did not.
+std::int32_t startHolder(QProcess& holder, const QStringList& name = {}) {
+    holder.start(QCoreApplication::applicationDirPath() + "/instance_peer", name);
+    const QByteArray line = holder.waitForReadyRead(30000) ? holder.readLine().trimmed() : QByteArray();
+    return line.startsWith("running ") ? line.mid(8).toInt() : 0;
 }
 
 // waitForFinished() fails for a process that the event loop has already seen end.
@@ -38,23 +38,20 @@ bool ends(QProcess& peer) {
     return peer.state() == QProcess::NotRunning || peer.waitForFinished(30000);
 }
 
-// Starts a peer that becomes the running instance; its handle, or 0 when it did not.
-std::int32_t startHolder(QProcess& holder, const QStringList& extra = {}) {
-    holder.start(peerPath(), QStringList{"hold"} + extra);
-    if (!holder.waitForReadyRead(30000))
-        return 0;
-    const QByteArray line = holder.readLine().trimmed();
-    return line.startsWith("running ") ? line.mid(8).toInt() : 0;
+// Whether a start of this process would find another instance (it lets go of the lock it may take).
+bool anotherRuns() {
+    return LocalSingleInstance().previousInstance();
 }
 
-// A raw connection to an instance's socket, for senders that do not keep to the protocol.
-int connectRaw(std::int32_t handle) {
-    const QByteArray path = QFile::encodeName(LocalSingleInstance::socketPath(handle));
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::memcpy(address.sun_path, path.constData(), static_cast<std::size_t>(path.size()));
+// A raw connection to an instance's socket that sends `junk`, for senders that do not keep to the
+// protocol.
+int connectRaw(std::int32_t handle, const QByteArray& junk = {}) {
+    sockaddr_un address{AF_UNIX, {}};
+    qstrncpy(address.sun_path, QFile::encodeName(LocalSingleInstance::socketPath(handle)),
+             sizeof address.sun_path);
     const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     ::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    ::send(fd, junk.constData(), static_cast<std::size_t>(junk.size()), MSG_NOSIGNAL);
     return fd;
 }
 
@@ -65,92 +62,95 @@ bool closedByInstance(int fd) {
     return got == 0 || (got < 0 && errno != EAGAIN);
 }
 
-// Hands each key code to a function of the test.
 struct KeyListener : SingleInstance::Listener {
-    std::function<void(int)> onKey = [](int) {};
+    std::function<void(int)> onKey;
     void keyDown(int keyCode) override { onKey(keyCode); }
 };
 
 } // namespace
+
+// Every umask() of this process comes here: the mask belongs to the whole process, and Qt's threads
+// create files while the instance starts listening, so listening must not touch it.
+extern "C" mode_t umask(mode_t mask) {
+    ++umaskCalls;
+    return static_cast<mode_t>(::syscall(SYS_umask, mask));
+}
 
 class TestSingleInstance : public QObject {
     Q_OBJECT
 
 private:
     std::unique_ptr<QTemporaryDir> runtime_;
-    QByteArray savedTmpDir_ = qgetenv("TMPDIR");
 
 private slots:
     void init() {
         runtime_ = std::make_unique<QTemporaryDir>();
-        QVERIFY(runtime_->isValid());
         qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime_->path()));
     }
-    void cleanup() {
-        if (savedTmpDir_.isNull())
-            qunsetenv("TMPDIR");
-        else
-            qputenv("TMPDIR", savedTmpDir_);
-    }
 
-    // The program names itself differently from its executable; its lock must count either way.
-    void secondProcessSeesRunningInstance() {
-        for (const QStringList& holdArgs : {QStringList(), QStringList{"Tarvo Micropause"}}) {
-            QProcess holder;
-            const std::int32_t handle = startHolder(holder, holdArgs);
-            QCOMPARE(handle, static_cast<std::int32_t>(holder.processId()));
-            const QString lockPath = runtime_->filePath("tarvo-micropause.lock");
-            QCOMPARE(runPeer({"probe"}), QByteArray("previous"));
+    // The lock counts whatever the program calls itself, however old it is, and names its holder. A
+    // holder that does not answer (stopped here) costs a sender its time limit, no more; "shutdown" is
+    // answered and ends it, and the lock goes to the next start. A killed instance leaves its lock and
+    // socket behind; neither holds up the next start, and a send to its stale handle, or to any handle
+    // nobody listens on, fails at once.
+    void runningStoppedEndedAndKilledInstances() {
+        QProcess holder;
+        const std::int32_t handle = startHolder(holder, {"Tarvo Micropause"});
+        QCOMPARE(handle, static_cast<std::int32_t>(holder.processId()));
+        QFile lockFile(LocalSingleInstance::lockFilePath());
+        QVERIFY(lockFile.open(QIODevice::ReadOnly) &&
+                lockFile.setFileTime(QDateTime::currentDateTime().addDays(-2),
+                                     QFileDevice::FileModificationTime));
+        LocalSingleInstance second(300);
+        QVERIFY(second.previousInstance() && second.runningHandle() == handle);
+        ::kill(handle, SIGSTOP);
+        QElapsedTimer clock;
+        clock.start();
+        QCOMPARE(second.sendKeyDown(handle, 0), Delivery::NoAnswer);
+        QVERIFY(clock.elapsed() >= 300 && clock.elapsed() < 2000);
+        ::kill(handle, SIGCONT);
+        QCOMPARE(second.sendKeyDown(handle, 99), Delivery::Handled);
+        QVERIFY(ends(holder) && holder.readAllStandardOutput() == "key 0\nkey 99\n");
+        QVERIFY(!QFile::exists(LocalSingleInstance::socketPath(handle)));
+        QVERIFY(!second.previousInstance() && anotherRuns() && second.runningHandle() == second.handle());
+        second.release();
+        QVERIFY(!QFile::exists(lockFile.fileName()) && !anotherRuns());
 
-            // A lock does not go stale with age while its instance lives.
-            QFile lockFile(lockPath);
-            QVERIFY(lockFile.open(QIODevice::ReadOnly));
-            QVERIFY(lockFile.setFileTime(QDateTime::currentDateTime().addDays(-2),
-                                         QFileDevice::FileModificationTime));
-            LocalSingleInstance second;
-            QVERIFY(second.previousInstance());
-
-            // "shutdown": the sender is answered, the holder ends and the next start becomes the instance.
-            QCOMPARE(runPeer({"send", QString::number(handle), "99"}), QByteArray("sent 1"));
-            QVERIFY(ends(holder));
-            QCOMPARE(holder.readAllStandardOutput().trimmed(), QByteArray("key 99"));
-            QCOMPARE(holder.exitCode(), 0);
-            QVERIFY(!QFile::exists(LocalSingleInstance::socketPath(handle)));
-            QVERIFY(!second.previousInstance());
-            QCOMPARE(runPeer({"probe"}), QByteArray("previous"));
-            second.release();
-            QVERIFY(!QFile::exists(lockPath));
-            QCOMPARE(runPeer({"probe"}), QByteArray("none"));
-        }
+        const std::int32_t killed = startHolder(holder);
+        QVERIFY(killed > 0 && anotherRuns());
+        ::kill(killed, SIGKILL);
+        QVERIFY(ends(holder) && QFile::exists(lockFile.fileName()) &&
+                QFile::exists(LocalSingleInstance::socketPath(killed)));
+        QVERIFY(!second.previousInstance() && anotherRuns());
+        const std::int32_t notASocket = 2147483000;
+        QVERIFY(writeFile(LocalSingleInstance::socketPath(notASocket), {}));
+        clock.restart();
+        for (const std::int32_t stale : {killed, 0, -1, second.handle(), notASocket})
+            QCOMPARE(second.sendKeyDown(stale, 0), Delivery::NotListening);
+        QVERIFY(clock.elapsed() < 1000);
     }
 
     // Connections that send no key code are cut off without reaching the listener, and so is the oldest
-    // of too many silent ones. A real sender returns only once its code has been handled; one that is
-    // killed while its code is handled (the popped-up menu runs an event loop of its own meanwhile)
-    // leaves the instance unhurt and serving the next.
-    void senderReturnsAfterCodeWasHandled() {
+    // of too many silent ones. A sender that goes away while its code is handled (the popped-up menu
+    // runs an event loop of its own meanwhile) leaves the instance unhurt and answering the next.
+    void sendersThatDoNotKeepToTheProtocol() {
         LocalSingleInstance instance;
         QVERIFY(!instance.previousInstance());
-        QProcess sender;
+        int leaving = -1;
         QList<int> handled;
-        bool senderWaited = false;
         KeyListener listener;
         listener.onKey = [&](int keyCode) {
             handled.append(keyCode);
             if (keyCode == 7) {
-                sender.kill();
+                ::close(leaving);
                 QEventLoop menu;
                 QTimer::singleShot(300, &menu, &QEventLoop::quit);
                 menu.exec();
-                return;
             }
-            senderWaited = sender.state() == QProcess::Running && !sender.waitForFinished(300);
         };
         instance.listen(listener);
-        for (const QByteArray& junk :
-             {QByteArray("abc\n"), QByteArray("12x\n"), QByteArray(100, '1'), QByteArray()}) {
-            const int intruder = connectRaw(instance.handle());
-            ::send(intruder, junk.constData(), static_cast<std::size_t>(junk.size()), MSG_NOSIGNAL);
+        for (const QByteArray& junk : {QByteArray("abc\n"), QByteArray(100, '1'), QByteArray()}) {
+            const int intruder = connectRaw(instance.handle(), junk);
             if (junk.isEmpty())
                 ::shutdown(intruder, SHUT_WR);
             QTRY_VERIFY_WITH_TIMEOUT(closedByInstance(intruder), 10000);
@@ -164,80 +164,40 @@ private slots:
         for (const int fd : silent)
             ::close(fd);
 
-        const QList<int> codes{7, 0, 99, -5};
-        for (const int keyCode : codes) {
-            senderWaited = false;
-            sender.start(peerPath(), {"send", QString::number(instance.handle()), QString::number(keyCode)});
-            QTRY_COMPARE_WITH_TIMEOUT(handled.size(), codes.indexOf(keyCode) + 1, 30000);
-            QVERIFY(ends(sender));
-            if (keyCode == 7)
-                continue;
-            QVERIFY2(senderWaited, "the sender returned while the key code was being handled");
-            QCOMPARE(sender.readAllStandardOutput().trimmed(), QByteArray("sent 1"));
-        }
-        QCOMPARE(handled, codes);
+        leaving = connectRaw(instance.handle(), "7\n");
+        QTRY_COMPARE(handled, QList<int>{7});
+        const int next = connectRaw(instance.handle(), "-5\n");
+        QTRY_COMPARE(handled, QList<int>({7, -5}));
+        char answer[4] = {};
+        QVERIFY(::recv(next, answer, sizeof answer, 0) == 3 && QByteArray(answer) == "ok\n");
+        ::close(next);
     }
 
-    // A killed instance leaves its lock and socket behind; neither holds up the next start, and a send
-    // to its stale handle, or to any handle nobody listens on, fails at once.
-    void killedInstanceDoesNotBlockNextStart() {
-        QProcess holder;
-        const std::int32_t killed = startHolder(holder);
-        QVERIFY(killed > 0);
-        ::kill(killed, SIGKILL);
-        QVERIFY(ends(holder));
-        QVERIFY(QFile::exists(LocalSingleInstance::lockFilePath()) &&
-                QFile::exists(LocalSingleInstance::socketPath(killed)));
-
-        LocalSingleInstance next;
-        QVERIFY(!next.previousInstance());
-        QCOMPARE(runPeer({"probe"}), QByteArray("previous"));
-        const std::int32_t notASocket = 2147483000;
-        QFile plain(LocalSingleInstance::socketPath(notASocket));
-        QVERIFY(plain.open(QIODevice::WriteOnly));
-        for (const std::int32_t handle : {killed, 0, -1, next.handle(), notASocket}) {
-            QElapsedTimer clock;
-            clock.start();
-            QVERIFY2(!next.sendKeyDown(handle, 0), qPrintable(QString::number(handle)));
-            QVERIFY(clock.elapsed() < 1000);
-        }
-    }
-
-    // A file under our socket's name was left by a gone process with our id: it is replaced.
+    // The socket is user-only whatever the umask, which stays untouched. A file under our socket's name
+    // was left by a gone process with our id: it is replaced. Without a usable runtime folder, the lock
+    // and the socket go to the temporary folder with the user id in their names.
     void socketIsPrivateToUser() {
-        LocalSingleInstance instance;
-        QVERIFY(!instance.previousInstance());
-        const QByteArray path = QFile::encodeName(LocalSingleInstance::socketPath(instance.handle()));
-        QFile stale(QString::fromLocal8Bit(path));
-        QVERIFY(stale.open(QIODevice::WriteOnly));
-        stale.close();
-        KeyListener listener;
-        instance.listen(listener);
-        struct stat st {};
-        QCOMPARE(::stat(path.constData(), &st), 0);
-        QVERIFY(S_ISSOCK(st.st_mode));
-        QCOMPARE(st.st_mode & 077, static_cast<mode_t>(0));
-    }
-
-    void fallsBackToTemporaryFolder() {
         QTemporaryDir tmp;
         qputenv("TMPDIR", QFile::encodeName(tmp.path()));
-        const QString prefix = QDir(QDir(tmp.path()).canonicalPath())
-                                   .filePath(QStringLiteral("tarvo-micropause-%1").arg(::getuid()));
-        for (const QByteArray& runtime :
-             {QByteArray(), QByteArray("run/user"), QByteArray("/nonexistent/tarvo-runtime")}) {
-            if (runtime.isNull())
-                qunsetenv("XDG_RUNTIME_DIR");
-            else
-                qputenv("XDG_RUNTIME_DIR", runtime);
+        const QByteArray fallback = QFile::encodeName(
+            QDir(tmp.path()).canonicalPath() + QStringLiteral("/tarvo-micropause-%1-").arg(::getuid()));
+        const mode_t userMask = ::umask(0);
+        for (const QByteArray& runtime : {QFile::encodeName(runtime_->path()), QByteArray(),
+                                          QByteArray("run/user"), QByteArray("/nonexistent/tarvo-runtime")}) {
+            qputenv("XDG_RUNTIME_DIR", runtime);
             LocalSingleInstance instance;
-            QVERIFY(!instance.previousInstance());
-            QVERIFY2(QFile::exists(prefix + ".lock"), runtime.constData());
+            QVERIFY(!instance.previousInstance() && anotherRuns());
+            const QByteArray path = QFile::encodeName(LocalSingleInstance::socketPath(instance.handle()));
+            QVERIFY(writeFile(QFile::decodeName(path), {}));
             KeyListener listener;
             instance.listen(listener);
-            QVERIFY(QFile::exists(prefix + QStringLiteral("-%1").arg(instance.handle())));
-            QCOMPARE(runPeer({"probe"}), QByteArray("previous"));
+            struct stat st {};
+            QVERIFY2(::stat(path, &st) == 0 && S_ISSOCK(st.st_mode) && (st.st_mode & 0777) == 0600, path);
+            QCOMPARE(path.startsWith(fallback), runtime != QFile::encodeName(runtime_->path()));
         }
+        QCOMPARE(umaskCalls, 1); // this test's own: listening made none
+        ::umask(userMask);
+        qunsetenv("TMPDIR");
     }
 };
 

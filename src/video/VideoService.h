@@ -16,12 +16,15 @@ class QWindow;
 
 namespace tarvo {
 
-// The helper program's side of the videos (see MciMediaCommands): it reads one command a line from
-// its standard input and ends when the input ends.
+// The helper program's side of the videos (see platform/linux/MciMediaCommands.h): it reads one
+// command a line from its standard input and ends when the input ends.
 //   open <device> <parent window> <file>     a player for the file, its window a child of the parent
 //   place <device> <x> <y> <w> <h>            the video window's place in the parent; no size: hidden
 //   play <device> <0|1>                       plays once the file has loaded; 1: over and over
 //   pause|resume|stop|close <device>
+// The file is the bytes of its name percent-encoded, so that no name (one with blanks or a line break
+// in it) can split or end the line. Every line is answered with "ok" on standard output once it has
+// been handled: the program takes a helper that stops answering for hung, and starts another.
 // A video's window shows only once its first picture has arrived, so a file that does not play (a
 // damaged one, one without a video stream) shows nothing; neither does any file on an installation
 // without the AVI demuxer (Qt Multimedia would not survive reading the file then). The video windows

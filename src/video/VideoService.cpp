@@ -1,8 +1,7 @@
-#include "platform/linux/video/VideoService.h"
+#include "video/VideoService.h"
 
-#include "platform/linux/LinuxPlatform.h"
-
-#include <QApplication>
+#include <QCoreApplication>
+#include <QFile>
 #include <QMediaFormat>
 #include <QMediaPlayer>
 #include <QSocketNotifier>
@@ -38,6 +37,9 @@ void VideoService::readInput() {
     for (qsizetype end; (end = pending_.indexOf('\n')) >= 0;) {
         handle(pending_.left(end));
         pending_.remove(0, end + 1);
+        static constexpr char kAnswer[] = "ok\n";
+        if (::write(STDOUT_FILENO, kAnswer, sizeof kAnswer - 1) < 0)
+            return; // nobody listens any more: the input ends next
     }
 }
 
@@ -46,10 +48,8 @@ void VideoService::handle(const QByteArray& line) {
     if (w.size() < 2)
         return;
     const int id = w[1].toInt();
-    if (w[0] == "open" && w.size() >= 4) {
-        // The file is the rest of the line: it may hold blanks.
-        const qsizetype fileAt = w[0].size() + w[1].size() + w[2].size() + 3;
-        open(id, w[2].toULongLong(), QString::fromUtf8(line.mid(fileAt)));
+    if (w[0] == "open" && w.size() == 4) {
+        open(id, w[2].toULongLong(), QFile::decodeName(QByteArray::fromPercentEncoding(w[3])));
         return;
     }
     const auto found = devices_.find(id);
@@ -139,13 +139,6 @@ void VideoService::playIfLoaded(Device& d) {
     // Asked to play straight after the file was set, the player now and then does not start at all.
     if (d.playWanted && d.loaded && d.player->error() == QMediaPlayer::NoError)
         d.player->play();
-}
-
-int runVideoHelper(int& argc, char** argv) {
-    QApplication app(argc, argv);
-    app.setQuitOnLastWindowClosed(false);
-    VideoService service;
-    return app.exec();
 }
 
 } // namespace tarvo
