@@ -3,6 +3,7 @@
 #include "controls/BlackCover.h"
 
 #include <QPointer>
+#include <QRect>
 
 #include <vector>
 
@@ -25,6 +26,12 @@ public:
     void uncover();
     // The covers up now (for tests).
     std::vector<QWidget*> covers() const;
+
+    // The monitor the user sees a window on: the one that shows the most of it (the first of equals);
+    // null when no monitor shows any of it. `mostOf` is the same choice among given monitor areas, -1
+    // for none.
+    static QScreen* screenShowing(const QRect& window);
+    static qsizetype mostOf(const std::vector<QRect>& monitors, const QRect& window);
 
 private:
     std::vector<QPointer<BlackCover>> covers_;

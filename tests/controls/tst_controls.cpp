@@ -1,8 +1,9 @@
 // The shared controls: the media procedures' exact commands and pictures on a media surface, the
-// button bar's handlers, and the up-down spinner beside its text field.
+// monitor a window is on, the button bar's handlers, and the up-down spinner beside its text field.
 #include "controls/ExerciseMedia.h"
 #include "controls/MMControl.h"
 #include "controls/MediaSurface.h"
+#include "controls/ScreenCovers.h"
 #include "controls/UpDown.h"
 #include "platform/fake/RecordingMediaCommands.h"
 #include "support/Programs.h"
@@ -74,6 +75,15 @@ private slots:
             media.ShowPicture(surface, QLatin1String(name));
             QVERIFY2(!surface.hasPicture() && !surface.isVisible(), name);
         }
+    }
+
+    // A window is on the monitor that shows the most of it, the first of equals; on none when off all.
+    void theMonitorAWindowIsOn() {
+        const std::vector<QRect> desk{{0, 0, 1280, 800}, {1280, 0, 1280, 800}};
+        QCOMPARE(ScreenCovers::mostOf(desk, {1280, 0, 1280, 781}), 1);
+        QCOMPARE(ScreenCovers::mostOf(desk, {1000, 19, 600, 600}), 1);
+        QCOMPARE(ScreenCovers::mostOf(desk, {980, 19, 600, 600}), 0);
+        QCOMPARE(ScreenCovers::mostOf(desk, {0, 800, 100, 100}), -1);
     }
 
     // Each button reaches its handler with a Cancel flag; a disabled one reaches nothing.
