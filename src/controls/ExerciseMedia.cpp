@@ -22,6 +22,8 @@ QString ExerciseMedia::ShowExerciseMedia(MediaSurface& surface, const QString& f
         ShowPicture(surface, fileName);
     else if (extension == QLatin1String(".avi"))
         OpenVideo(surface, fileName, viewAm);
+    else
+        surface.clearPicture(); // nothing to show: not the last exercise's picture either
     return extension;
 }
 

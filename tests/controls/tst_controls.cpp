@@ -47,7 +47,8 @@ private slots:
     }
 
     // The last four characters, in any case, decide: a video, a picture (24-bit or 8-bit, found in the
-    // program folder by its bare name, the surface left hidden and sized to it), or nothing at all.
+    // program folder by its bare name, the surface left hidden and sized to it), or nothing at all, not
+    // even the picture that was there.
     void whatAFileNameShows() {
         QTemporaryDir folder;
         QImage picture(32, 24, QImage::Format_RGB888);
@@ -63,8 +64,12 @@ private slots:
         QCOMPARE(media.ShowExerciseMedia(surface, "Clip.AVI", 1), ".avi");
         QVERIFY(commands.commands().filter("open").size() == 1);
         commands.clear();
-        QCOMPARE(media.ShowExerciseMedia(surface, "clip.avi ", 1), "avi ");
-        QCOMPARE(media.ShowExerciseMedia(surface, "bell.wav", 1), ".wav");
+        for (const auto& [name, extension] :
+             {std::pair{"notes.txt", ".txt"}, std::pair{"clip.avi ", "avi "}}) {
+            QVERIFY(surface.loadPicture(folder.filePath("true.bmp"))); // the last exercise's picture goes
+            QCOMPARE(media.ShowExerciseMedia(surface, name, 1), extension);
+            QVERIFY2(!surface.hasPicture(), name);
+        }
         QVERIFY(commands.commands().isEmpty());
         for (const char* name : {"true.bmp", "EIGHT.BMP"}) {
             QCOMPARE(media.ShowExerciseMedia(surface, QString(name).toLower(), 1), ".bmp");
