@@ -104,7 +104,8 @@ void ExerciseSequencer::LoadPrevExercise() {
 
 void ExerciseSequencer::UpdateExerciseCaption() {
     const ExerciseRecord& e = ctx_.exercises.Exercises[static_cast<size_t>(ExerciseIndex)];
-    view_.setPlayerCaption(QStringLiteral("%1 (%2)").arg(e.Caption).arg(SecondsLeft));
+    // Both at once: a caption is shown as written, even with a "%1" of its own.
+    view_.setPlayerCaption(QStringLiteral("%1 (%2)").arg(e.Caption, QString::number(SecondsLeft)));
 }
 
 bool ExerciseSequencer::moveToIncluded(int step) {

@@ -20,7 +20,8 @@ class TestControls : public QObject {
 
 private slots:
     // Each size index opens the one alias at its size inside the surface, after closing whatever was
-    // open; a name without a folder lies in the program folder, one with a folder is taken as it is.
+    // open; a name without a folder lies in the program folder, one with a folder is taken as it is, and
+    // a name goes in as written, "%2" and all.
     void videoCommands() {
         RecordingMediaCommands commands;
         ExerciseMedia media(commands, "/opt/tarvo");
@@ -30,10 +31,10 @@ private slots:
                                                    {3, 639, 479}, {4, 959, 719}, {7, -1, -1}};
         for (const auto& [index, w, h] : sizes) {
             commands.clear();
-            media.OpenVideo(surface, "neckturn.avi", index);
+            media.OpenVideo(surface, "neck%2turn.avi", index);
             QCOMPARE(commands.commands(),
                      QStringList({"close tarvox",
-                                  "open \"/opt/tarvo/neckturn.avi\" type AVIVideo alias tarvox parent " +
+                                  "open \"/opt/tarvo/neck%2turn.avi\" type AVIVideo alias tarvox parent " +
                                       parent + " style 1073741824",
                                   QStringLiteral("put tarvox window at 0 0 %1 %2").arg(w).arg(h)}));
             QCOMPARE(surface.size(), QSize(std::max(w, 0), std::max(h, 0)));

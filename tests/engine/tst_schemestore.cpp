@@ -95,6 +95,10 @@ private slots:
         QVERIFY(errorFor("Num", "two"));
         QVERIFY(errorFor("2y", "yes"));
         QVERIFY(errorFor("1s", QString()));
+        store.model().setValue("Scheme50%2", "Num", "-101"); // too few for even the title entry
+        const auto claims = raised<RuntimeError>([&] { LoadScheme(settings, table, "50%2"); });
+        QVERIFY(claims && claims->number() == vberr::SubscriptOutOfRange &&
+                claims->context() == "Scheme \"50%2\" claims -101 exercises.");
 
         // The scheme list reads "Num" names; a missing one is an empty name.
         QVERIFY(readSchemeList(settings).isEmpty());

@@ -30,7 +30,7 @@ struct Rig : FakeContext {
         ctx.exercises.Exercises.assign(103, ExerciseRecord{});
         ctx.exercises.Exercises[0] = titleExercise();
         ctx.exercises.Exercises[1] = {"neckturn.avi", "Turn your head", 1, 20};
-        ctx.exercises.Exercises[2] = {"armcross.bmp", "Hug one arm", 1, 20};
+        ctx.exercises.Exercises[2] = {"armcross.bmp", "Hug arm %1, then arm %2", 1, 20};
         ctx.exercises.ExerciseCount = 2;
         store.model().setValue("Exercise", "NumAtaTime", "9");
         engine.scheduler().SetTimers();
@@ -77,7 +77,7 @@ private slots:
         rig.ctx.record.BlankX = 0;
         rig.exercise.amx_Click(); // on to the picture
         rig.timeline.advance(1000);
-        QCOMPARE(player.windowTitle(), "Hug one arm (20)");
+        QCOMPARE(player.windowTitle(), "Hug arm %1, then arm %2 (20)");
         QVERIFY(!(player.windowState() & Qt::WindowMaximized) &&
                 !rig.child<QWidget>("picBlack")->isVisible());
         QVERIFY(player.surface().hasPicture() && player.surface().isVisible());
@@ -120,17 +120,17 @@ private slots:
         QCOMPARE(rig.messages.shown().size(), size_t(1));
         QTest::keyClick(&player.surface(), Qt::Key_Return);
         rig.timeline.advance(1000);
-        QCOMPARE(player.windowTitle(), "Hug one arm (20)");
+        QCOMPARE(player.windowTitle(), "Hug arm %1, then arm %2 (20)");
 
         auto* pause = rig.child<QToolButton>("Pause");
         auto* play = rig.child<QToolButton>("Play");
         pause->click();
         rig.timeline.advance(5000);
-        QCOMPARE(player.windowTitle(), "Hug one arm (20)");
+        QCOMPARE(player.windowTitle(), "Hug arm %1, then arm %2 (20)");
         QVERIFY(!pause->isEnabled() && play->isEnabled() && !rig.child<QToolButton>("Next")->isEnabled());
         play->click();
         rig.timeline.advance(1000);
-        QCOMPARE(player.windowTitle(), "Hug one arm (19)");
+        QCOMPARE(player.windowTitle(), "Hug arm %1, then arm %2 (19)");
 
         rig.messages.answerNext(MessageBox::Answer::Yes);
         rig.child<QToolButton>("Stop")->click();
