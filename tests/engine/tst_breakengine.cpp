@@ -4,6 +4,7 @@
 // random start, the player's gestures, the prompt's choices, and schemes with nothing to show.
 #include "core/RuntimeError.h"
 #include "engine/EngineRig.h"
+#include "engine/SchemeStore.h"
 
 #include <QtTest>
 
@@ -424,6 +425,24 @@ private slots:
         rig.exercise.amx_Click();
         rig.timeline.advance(1000);
         QVERIFY(!rig.state.InExerciseBreak && rig.log.contains("0 player gone"));
+
+        // The last of 120 exercises is up when the tray swaps the scheme for an empty one: the new table
+        // has no such place, and the next tick ends the break; the break after it runs as usual.
+        ExerciseTable& t = rig.ctx.exercises;
+        t.Exercises.assign(221, ExerciseRecord{});
+        for (int i = 1; i <= 120; ++i)
+            t.Exercises[static_cast<size_t>(i)] = {"e.avi", QString::number(i), 1, 5};
+        t.ExerciseCount = 120;
+        rig.exercise.exerciseNowFromTray();
+        rig.timeline.advance(1000);
+        rig.exercise.LoadPrevExercise();
+        LoadScheme(rig.ctx.settings, t, "Empty");
+        rig.timeline.advance(1000);
+        QVERIFY(!rig.state.InExerciseBreak);
+        loadScheme(rig);
+        rig.exercise.exerciseNowFromTray();
+        rig.timeline.advance(1000);
+        QVERIFY(rig.state.InExerciseBreak && rig.shows.last().startsWith("a.avi"));
     }
 };
 
