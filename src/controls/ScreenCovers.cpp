@@ -38,22 +38,13 @@ std::vector<QWidget*> ScreenCovers::covers() const {
 }
 
 QScreen* ScreenCovers::screenShowing(const QRect& window) {
-    const QList<QScreen*> screens = QGuiApplication::screens();
-    std::vector<QRect> monitors;
-    for (const QScreen* screen : screens)
-        monitors.push_back(screen->geometry());
-    const qsizetype most = mostOf(monitors, window);
-    return most < 0 ? nullptr : screens[most];
-}
-
-qsizetype ScreenCovers::mostOf(const std::vector<QRect>& monitors, const QRect& window) {
-    qsizetype most = -1;
+    QScreen* most = nullptr;
     qint64 mostArea = 0;
-    for (size_t i = 0; i < monitors.size(); ++i) {
-        const QRect shown = monitors[i].intersected(window);
+    for (QScreen* screen : QGuiApplication::screens()) {
+        const QRect shown = screen->geometry().intersected(window);
         const qint64 area = qint64{shown.width()} * shown.height();
         if (area > mostArea) {
-            most = static_cast<qsizetype>(i);
+            most = screen;
             mostArea = area;
         }
     }

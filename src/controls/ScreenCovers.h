@@ -28,10 +28,8 @@ public:
     std::vector<QWidget*> covers() const;
 
     // The monitor the user sees a window on: the one that shows the most of it (the first of equals);
-    // null when no monitor shows any of it. `mostOf` is the same choice among given monitor areas, -1
-    // for none.
+    // null when no monitor shows any of it.
     static QScreen* screenShowing(const QRect& window);
-    static qsizetype mostOf(const std::vector<QRect>& monitors, const QRect& window);
 
 private:
     std::vector<QPointer<BlackCover>> covers_;
