@@ -22,6 +22,8 @@ QString ExerciseMedia::ShowExerciseMedia(MediaSurface& surface, const QString& f
         ShowPicture(surface, fileName);
     else if (extension == QLatin1String(".avi"))
         OpenVideo(surface, fileName, viewAm);
+    else
+        surface.clearPicture(); // nothing to show: not the last exercise's picture either
     return extension;
 }
 
@@ -38,10 +40,10 @@ void ExerciseMedia::OpenVideo(MediaSurface& surface, const QString& fileName, st
     surface.setAutoSize(false);
     const QSize size = videoSize(sizeIndex);
     surface.resize(size); // a size of −1 × −1 leaves the surface empty
-    commands_.send(QStringLiteral("open \"%1\" type AVIVideo alias tarvox parent %2 style %3")
-                       .arg(mediaFile(fileName))
-                       .arg(surface.handle())
-                       .arg(kChildStyle));
+    // All three at once: the file name goes in as it is, even with a "%2" of its own.
+    commands_.send(
+        QStringLiteral("open \"%1\" type AVIVideo alias tarvox parent %2 style %3")
+            .arg(mediaFile(fileName), QString::number(surface.handle()), QString::number(kChildStyle)));
     commands_.send(QStringLiteral("put tarvox window at 0 0 %1 %2").arg(size.width()).arg(size.height()));
 }
 

@@ -19,8 +19,8 @@ public:
     ExerciseMedia(MediaCommands& commands, QString programFolder);
 
     // The file's extension (its last four characters, lower-cased): ".bmp" shows the picture, ".avi"
-    // opens the video at the size that `viewAm` chooses, anything else shows nothing. The caller plays
-    // a video (PlayVideo) and makes the surface visible.
+    // opens the video at the size that `viewAm` chooses, anything else shows nothing (the surface's
+    // picture is cleared). The caller plays a video (PlayVideo) and makes the surface visible.
     QString ShowExerciseMedia(MediaSurface& surface, const QString& fileName, std::int32_t viewAm);
     // Leaves the surface hidden, cleared, sized automatically and showing the file's picture, or
     // nothing when it cannot be read.

@@ -37,4 +37,18 @@ std::vector<QWidget*> ScreenCovers::covers() const {
     return up;
 }
 
+QScreen* ScreenCovers::screenShowing(const QRect& window) {
+    QScreen* most = nullptr;
+    qint64 mostArea = 0;
+    for (QScreen* screen : QGuiApplication::screens()) {
+        const QRect shown = screen->geometry().intersected(window);
+        const qint64 area = qint64{shown.width()} * shown.height();
+        if (area > mostArea) {
+            most = screen;
+            mostArea = area;
+        }
+    }
+    return most;
+}
+
 } // namespace tarvo

@@ -3,6 +3,7 @@
 #include "controls/BlackCover.h"
 
 #include <QPointer>
+#include <QRect>
 
 #include <vector>
 
@@ -25,6 +26,10 @@ public:
     void uncover();
     // The covers up now (for tests).
     std::vector<QWidget*> covers() const;
+
+    // The monitor the user sees a window on: the one that shows the most of it (the first of equals);
+    // null when no monitor shows any of it.
+    static QScreen* screenShowing(const QRect& window);
 
 private:
     std::vector<QPointer<BlackCover>> covers_;

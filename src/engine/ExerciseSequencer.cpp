@@ -52,6 +52,8 @@ void ExerciseSequencer::tick() {
     SecondsLeft = checked::sub(SecondsLeft, std::int32_t{1});
     if (SecondsLeft < 0)
         LoadNextExercise();
+    else if (ExerciseIndex > lastExercise())
+        endBreak(); // the scheme changed under the break and has no exercise at this place
     else
         UpdateExerciseCaption();
 }
@@ -85,7 +87,7 @@ void ExerciseSequencer::LoadNextExercise() {
     } else if (SequencePhase == 0) {
         SequencePhase = 1; // the title entry, at index 0 since start-up
     }
-    SecondsLeft = ctx_.exercises.Exercises[static_cast<size_t>(ExerciseIndex)].Seconds;
+    SecondsLeft = exerciseOnScreen().Seconds;
     UpdateExerciseCaption();
     show(true);
 }
@@ -97,20 +99,33 @@ void ExerciseSequencer::LoadPrevExercise() {
         endBreak();
         return;
     }
-    SecondsLeft = ctx_.exercises.Exercises[static_cast<size_t>(ExerciseIndex)].Seconds;
+    SecondsLeft = exerciseOnScreen().Seconds;
     UpdateExerciseCaption();
     show(false); // the player is on top already
 }
 
 void ExerciseSequencer::UpdateExerciseCaption() {
-    const ExerciseRecord& e = ctx_.exercises.Exercises[static_cast<size_t>(ExerciseIndex)];
-    view_.setPlayerCaption(QStringLiteral("%1 (%2)").arg(e.Caption).arg(SecondsLeft));
+    // Both at once: a caption is shown as written, even with a "%1" of its own.
+    view_.setPlayerCaption(
+        QStringLiteral("%1 (%2)").arg(exerciseOnScreen().Caption, QString::number(SecondsLeft)));
+}
+
+std::int32_t ExerciseSequencer::lastExercise() const {
+    const ExerciseTable& table = ctx_.exercises;
+    return static_cast<std::int32_t>(
+        std::min<std::int64_t>(table.ExerciseCount, std::ssize(table.Exercises) - 1));
+}
+
+const ExerciseRecord& ExerciseSequencer::exerciseOnScreen() const {
+    const std::vector<ExerciseRecord>& exercises = ctx_.exercises.Exercises;
+    if (ExerciseIndex < 0 || ExerciseIndex >= std::ssize(exercises))
+        throw RuntimeError(vberr::SubscriptOutOfRange, {}, QStringLiteral("ExerciseSequencer"));
+    return exercises[static_cast<size_t>(ExerciseIndex)];
 }
 
 bool ExerciseSequencer::moveToIncluded(int step) {
     const ExerciseTable& table = ctx_.exercises;
-    const std::int32_t count = static_cast<std::int32_t>(
-        std::min<std::int64_t>(table.ExerciseCount, std::ssize(table.Exercises) - 1));
+    const std::int32_t count = lastExercise();
     for (std::int32_t tried = 0; tried < count; ++tried) {
         ExerciseIndex = checked::add(ExerciseIndex, static_cast<std::int32_t>(step));
         if (ExerciseIndex > count)
@@ -124,10 +139,13 @@ bool ExerciseSequencer::moveToIncluded(int step) {
 }
 
 void ExerciseSequencer::show(bool topmost) {
-    view_.showExercise(ctx_.exercises.Exercises[static_cast<size_t>(ExerciseIndex)].File, topmost);
+    view_.showExercise(exerciseOnScreen().File, topmost);
 }
 
 void ExerciseSequencer::endBreak() {
+    // However this break ended, the next one's first tick finds no time left and shows its first
+    // exercise.
+    SecondsLeft = std::min(SecondsLeft, std::int32_t{-1});
     view_.CloseVideo();
     ExercisesPerBreak = ctx_.settings.readNumber(option("NumAtaTime"));
     ctx_.schedule.InExerciseBreak = false;

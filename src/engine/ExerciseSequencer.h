@@ -7,6 +7,7 @@
 namespace tarvo {
 
 class ExerciseView;
+struct ExerciseRecord;
 class MainView;
 class Scheduler;
 class Timer;
@@ -74,6 +75,10 @@ private:
     // Moves ExerciseIndex by `step` (wrapping within 1 … ExerciseCount) until it stands on an included
     // exercise; false when the scheme has none.
     bool moveToIncluded(int step);
+    // The highest index of an exercise in the table as it is now: the scheme may change under a break.
+    std::int32_t lastExercise() const;
+    // The table's entry at ExerciseIndex; run-time error 9 where the table has none.
+    const ExerciseRecord& exerciseOnScreen() const;
     void endBreak();
 
     AppContext& ctx_;

@@ -18,11 +18,13 @@ void LoadScheme(SettingsStore& settings, ExerciseTable& table, const QString& na
     const std::int32_t stored = settings.readNumber(section, kNum, 0);
     const std::int32_t last = checked::add(stored, 100);
     if (last < 0)
-        throw RuntimeError(vberr::SubscriptOutOfRange, {}, QStringLiteral("LoadScheme"),
-                           QStringLiteral("Scheme \"%1\" claims %2 exercises.").arg(name).arg(stored));
+        throw RuntimeError(
+            vberr::SubscriptOutOfRange, {}, QStringLiteral("LoadScheme"),
+            QStringLiteral("Scheme \"%1\" claims %2 exercises.").arg(name, QString::number(stored)));
     if (last >= kMaxTableSize)
-        throw RuntimeError(vberr::OutOfMemory, {}, QStringLiteral("LoadScheme"),
-                           QStringLiteral("Scheme \"%1\" claims %2 exercises.").arg(name).arg(stored));
+        throw RuntimeError(
+            vberr::OutOfMemory, {}, QStringLiteral("LoadScheme"),
+            QStringLiteral("Scheme \"%1\" claims %2 exercises.").arg(name, QString::number(stored)));
     table.Exercises.assign(static_cast<size_t>(last) + 1, ExerciseRecord{});
 
     std::int32_t kept = 0;

@@ -11,6 +11,7 @@
 #include <QKeyEvent>
 #include <QScreen>
 #include <QToolButton>
+#include <QWindow>
 
 #include <cmath>
 
@@ -72,10 +73,10 @@ void frmX::showExercise(const QString& file, bool topmost) {
     layOut(blank);
     if (blank) {
         setWindowState(Qt::WindowMaximized);
-        covers_.cover(screen, *this);
     } else {
         setWindowState(Qt::WindowNoState);
         covers_.uncover();
+        coversState_ = Covers::Down;
         // Placed once, as the player is loaded; from then on it is where the user left it.
         if (!placed_) {
             const double twipsPerPixel = 1440.0 / screen->logicalDotsPerInchX();
@@ -86,12 +87,17 @@ void frmX::showExercise(const QString& file, bool topmost) {
     placed_ = true;
     show();
     raise();
+    if (blank && coversState_ == Covers::Down)
+        coverOtherMonitors();
     if (extension == QLatin1String(".avi"))
         media_.PlayVideo();
 }
 
 void frmX::dismiss() {
     covers_.uncover();
+    coversState_ = Covers::Down;
+    if (windowHandle())
+        windowHandle()->removeEventFilter(this);
     hide();
     setWindowFlag(Qt::WindowStaysOnTopHint, false);
     setWindowState(Qt::WindowMinimized);
@@ -135,6 +141,27 @@ void frmX::layOut(bool blank) {
     ui->amx->move((picture.width() - media.width()) / 2, (picture.height() - media.height()) / 2);
     ui->MMControl1->setGeometry(
         QRect(origin + QPoint((content.width() - bar.width()) / 2, picture.height() + kBarGap), bar));
+}
+
+void frmX::coverOtherMonitors() {
+    QWindow* window = windowHandle();
+    if (!window->isExposed()) {
+        // Shown for the first time: the window manager has placed it by the time it is exposed.
+        coversState_ = Covers::Awaited;
+        window->installEventFilter(this);
+        return;
+    }
+    covers_.cover(ScreenCovers::screenShowing(geometry()), *this);
+    coversState_ = Covers::Up;
+}
+
+bool frmX::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Expose && watched == windowHandle() && coversState_ == Covers::Awaited &&
+        windowHandle()->isExposed()) {
+        watched->removeEventFilter(this);
+        coverOtherMonitors();
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void frmX::showCountdownRunning(bool running) {

@@ -26,8 +26,13 @@ struct SettingsRecord;
 
 // The exercise player: the media surface amx (in the picture box Picture1) with the exercise's video
 // or picture, the button bar MMControl1 under it, and its title counting the exercise's seconds down.
-// With "BlankX" set it is maximised over a black backdrop (picBlack, and black covers on every other
-// monitor); otherwise it keeps its own size, centred.
+// With "BlankX" set it is maximised over a black backdrop (picBlack), and black covers go on every
+// other monitor; otherwise it keeps its own size, centred.
+//
+// Where a maximised window goes is the window manager's choice, and the covers are windows it does
+// not stack: a cover over the player's own monitor would hide the whole break. So the covers wait
+// until the window manager has put the player on screen, and then go on the monitors the player is
+// not on, for the rest of the break.
 //
 // What its gestures do is the exercise break's: a click on the media skips to the next exercise, a
 // double click ends the break, Esc typed on the media jumps to the last exercise (the next tick wraps
@@ -63,6 +68,7 @@ public:
     static std::optional<QPoint> xLoadMeUp(const QRect& screen, const QRect& frame, double twipsPerPixel);
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
@@ -81,12 +87,17 @@ private:
     // Which of the bar's buttons can be pressed while the countdown runs or stands still.
     void showCountdownRunning(bool running);
     void layOut(bool blank);
+    // Covers the monitors the player is not on, now if it is on screen already, else once it is.
+    void coverOtherMonitors();
+
+    enum class Covers { Down, Awaited, Up };
 
     std::unique_ptr<Ui::frmX> ui;
     const SettingsRecord& settings_;
     ExerciseMedia& media_;
     ExerciseSequencer& sequencer_;
     ScreenCovers covers_;
+    Covers coversState_ = Covers::Down;
     bool blank_ = false;
     bool placed_ = false;
 };

@@ -51,8 +51,8 @@ start_x() { # <width>x<height> [notray]
     [ "${2:-}" = notray ] || start_trayer
 }
 
-start_trayer() {
-    trayer --edge top --align right --widthtype request --height 24 --SetDockType true >/dev/null 2>&1 &
+start_trayer() { # [more trayer options]
+    trayer --edge top --align right --widthtype request --height 24 --SetDockType true "$@" >/dev/null 2>&1 &
     trayer=$!
     pids+=("$trayer")
 }

@@ -27,8 +27,8 @@ struct EngineRig : FakeContext, tarvo::MainView, tarvo::ExerciseView, tarvo::War
     tarvo::SchedulerState& state = ctx.schedule;
     Bar bar;
     QStringList log, shows;
-    QString exerciseText, voluntaryText, lastText, caption, sourceText;
-    int voluntaryWrites = 0, videoCloses = 0;
+    QString exerciseText, voluntaryText, lastText, sourceText;
+    int voluntaryWrites = 0;
     tarvo::BreakEngine engine{ctx, *this, *this, *this};
     tarvo::ExerciseSequencer& exercise = engine.exercise();
 
@@ -73,8 +73,8 @@ struct EngineRig : FakeContext, tarvo::MainView, tarvo::ExerciseView, tarvo::War
 
     void showExercisePrompt() override { note("prompt"); }
     void preparePlayer() override { note("player"); }
-    void setPlayerCaption(const QString& c) override { caption = c; }
-    void CloseVideo() override { ++videoCloses; }
+    void setPlayerCaption(const QString&) override {}
+    void CloseVideo() override {}
     void showExercise(const QString& file, bool topmost) override {
         shows << QStringLiteral("%1@%2%3").arg(file).arg(timeline.now() / 1000).arg(topmost ? "" : " again");
     }

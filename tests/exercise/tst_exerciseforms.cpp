@@ -27,20 +27,20 @@ struct Rig : FakeContext {
     Rig()
         : FakeContext(QStringLiteral(TARVO_PROGRAM_DIR)) {
         screens.attach(exercise);
-        ctx.exercises.Exercises.assign(103, ExerciseRecord{});
-        ctx.exercises.Exercises[0] = titleExercise();
-        ctx.exercises.Exercises[1] = {"neckturn.avi", "Turn your head", 1, 20};
-        ctx.exercises.Exercises[2] = {"armcross.bmp", "Hug one arm", 1, 20};
+        ctx.exercises.Exercises = {titleExercise(),
+                                   {"neckturn.avi", "Turn your head", 1, 20},
+                                   {"armcross.bmp", "Hug arm %1, then arm %2", 1, 20}};
         ctx.exercises.ExerciseCount = 2;
         store.model().setValue("Exercise", "NumAtaTime", "9");
         engine.scheduler().SetTimers();
     }
     frmX& player() { return *screens.player(); }
-    template <typename T>
-    T* child(const char* name) {
-        return player().findChild<T*>(QLatin1String(name));
+    // The player's title a number of seconds on.
+    QString titleAfter(int seconds) {
+        timeline.advance(seconds * 1000);
+        return player().windowTitle();
     }
-    void startAndShowTheTitle() {
+    void startABreak() {
         exercise.exerciseNowFromTray();
         timeline.advance(1000);
         QVERIFY(QTest::qWaitForWindowExposed(&player()));
@@ -55,34 +55,33 @@ class TestExerciseForms : public QObject {
 private slots:
     // The title's video opens on the one alias inside amx and loops; blanked, the player is maximised
     // over its black backdrop and stays on top; not blanked, it keeps its own size around the media,
-    // and its place once the user has moved it.
-    void thePlayerShowsEachExercise() {
+    // and its place once the user has moved it, also in the next break. The mouse and the keyboard
+    // reach the break: Tab reaches the media, where Esc jumps to the last exercise (without asking) so
+    // that the next tick wraps to the first, and a click or Enter skips; next and previous step through
+    // the exercises, pause stops the countdown and switches the buttons; Esc on the form asks whether to quit
+    // and leaves the countdown running after No, even when it had been paused; the stop button with Yes ends
+    // the break.
+    void thePlayerAndItsGestures() {
         Rig rig;
-        rig.startAndShowTheTitle();
+        rig.startABreak();
         frmX& player = rig.player();
         QCOMPARE(player.windowTitle(), "Gently now... (10)");
-        const QString amx = QString::number(player.surface().handle());
-        QCOMPARE(rig.media.commands(),
-                 QStringList({"close tarvox", "close tarvox",
-                              "open \"" TARVO_PROGRAM_DIR "/title.avi\" type AVIVideo alias tarvox parent " +
-                                  amx + " style 1073741824",
-                              "put tarvox window at 0 0 239 179", "play tarvox repeat"}));
-        QVERIFY(player.windowState() & Qt::WindowMaximized);
-        QVERIFY(player.windowFlags() & Qt::WindowStaysOnTopHint);
-        QVERIFY(rig.child<QWidget>("picBlack")->isVisible() && player.surface().isVisible());
+        const QStringList commands = rig.media.commands(); // the commands themselves: the controls' test
+        QVERIFY(commands.size() == 5 && commands.last() == "play tarvox repeat" &&
+                commands[2].contains(" parent " + QString::number(player.surface().handle()) + " "));
+        QVERIFY((player.windowState() & Qt::WindowMaximized) &&
+                (player.windowFlags() & Qt::WindowStaysOnTopHint));
+        QVERIFY(player.findChild<QWidget*>("picBlack")->isVisible() && player.surface().isVisible());
 
         rig.exercise.amx_Click();
         rig.timeline.advance(1000);
-        QCOMPARE(player.windowTitle(), "Turn your head (20)");
         rig.ctx.record.BlankX = 0;
         rig.exercise.amx_Click(); // on to the picture
-        rig.timeline.advance(1000);
-        QCOMPARE(player.windowTitle(), "Hug one arm (20)");
+        QCOMPARE(rig.titleAfter(1), "Hug arm %1, then arm %2 (20)");
         QVERIFY(!(player.windowState() & Qt::WindowMaximized) &&
-                !rig.child<QWidget>("picBlack")->isVisible());
+                !player.findChild<QWidget*>("picBlack")->isVisible());
         QVERIFY(player.surface().hasPicture() && player.surface().isVisible());
-        QCOMPARE(player.surface().size(), QSize(320, 240));
-        QVERIFY(player.rect().contains(rig.child<QWidget>("MMControl1")->geometry()));
+        QVERIFY(player.rect().contains(player.findChild<QWidget*>("MMControl1")->geometry()));
 
         int afterBreak = 0;
         rig.screens.setAfterBreak([&] { ++afterBreak; });
@@ -90,78 +89,72 @@ private slots:
         const QPoint moved = player.pos();
         rig.exercise.amx_DblClick();
         rig.timeline.advance(1000);
-        QVERIFY(!player.isVisible() && !(player.windowFlags() & Qt::WindowStaysOnTopHint));
-        QCOMPARE(rig.media.commands().last(), "close tarvox");
-
+        QVERIFY(!player.isVisible());
         // Between breaks the window is given back; the next break shows the player where it was left.
         QTRY_VERIFY(!player.testAttribute(Qt::WA_WState_Created) && afterBreak == 1);
-        rig.startAndShowTheTitle();
+        rig.startABreak();
         QCOMPARE(player.pos(), moved);
-    }
 
-    // The mouse and the keyboard reach the break: a click on the media skips, Esc on the form asks
-    // (here No), Tab reaches the media, where Esc jumps to the last exercise and Enter skips, pause
-    // stops the countdown and switches the buttons, and the stop button with Yes ends the break.
-    void gesturesFromMouseAndKeyboard() {
-        Rig rig;
-        rig.startAndShowTheTitle();
-        frmX& player = rig.player();
-        QTest::mouseClick(&player.surface(), Qt::LeftButton);
-        rig.timeline.advance(1000);
         QCOMPARE(player.windowTitle(), "Turn your head (20)");
-
-        QTest::keyClick(&player, Qt::Key_Escape);
-        QCOMPARE(rig.messages.shown().size(), size_t(1));
-        QVERIFY(rig.ctx.schedule.InExerciseBreak);
         player.surface().setFocus();
-        QTest::keyClick(&player.surface(), Qt::Key_Escape); // the last exercise: the next tick wraps
-        rig.timeline.advance(1000);
-        QCOMPARE(player.windowTitle(), "Turn your head (20)");
-        QCOMPARE(rig.messages.shown().size(), size_t(1));
+        QTest::keyClick(&player.surface(), Qt::Key_Escape);
+        QCOMPARE(rig.titleAfter(1), "Turn your head (20)");
+        QVERIFY(rig.messages.shown().empty());
+        QTest::mouseClick(&player.surface(), Qt::LeftButton);
+        QCOMPARE(rig.titleAfter(1), "Hug arm %1, then arm %2 (20)");
         QTest::keyClick(&player.surface(), Qt::Key_Return);
+        QCOMPARE(rig.titleAfter(1), "Turn your head (20)");
+        player.findChild<QToolButton*>("Next")->click();
         rig.timeline.advance(1000);
-        QCOMPARE(player.windowTitle(), "Hug one arm (20)");
+        player.findChild<QToolButton*>("Prev")->click();
+        QCOMPARE(player.windowTitle(), "Turn your head (20)");
 
-        auto* pause = rig.child<QToolButton>("Pause");
-        auto* play = rig.child<QToolButton>("Play");
+        auto* pause = player.findChild<QToolButton*>("Pause");
+        auto* play = player.findChild<QToolButton*>("Play");
         pause->click();
-        rig.timeline.advance(5000);
-        QCOMPARE(player.windowTitle(), "Hug one arm (20)");
-        QVERIFY(!pause->isEnabled() && play->isEnabled() && !rig.child<QToolButton>("Next")->isEnabled());
+        QCOMPARE(rig.titleAfter(5), "Turn your head (20)");
+        QVERIFY(!pause->isEnabled() && play->isEnabled() &&
+                !player.findChild<QToolButton*>("Next")->isEnabled());
         play->click();
-        rig.timeline.advance(1000);
-        QCOMPARE(player.windowTitle(), "Hug one arm (19)");
+        QCOMPARE(rig.titleAfter(1), "Turn your head (19)");
+
+        pause->click();
+        QTest::keyClick(&player, Qt::Key_Escape);
+        QCOMPARE(rig.messages.shown().back().text, "Are you sure you want to quit the exercise break?");
+        QCOMPARE(rig.messages.shown().back().title, "Tarvo Exercise Break");
+        QCOMPARE(rig.titleAfter(1), "Turn your head (18)");
+        QVERIFY(pause->isEnabled());
 
         rig.messages.answerNext(MessageBox::Answer::Yes);
-        rig.child<QToolButton>("Stop")->click();
+        player.findChild<QToolButton*>("Stop")->click();
         rig.timeline.advance(1000);
         QVERIFY(!rig.ctx.schedule.InExerciseBreak && !player.isVisible());
     }
 
-    // The prompt comes up on top without taking the keyboard, showing the last postponement; Later
-    // saves the typed minutes (at most 120) and closes it, which lets the exercise countdown run again;
+    // The prompt shows the last postponement, which becomes the minutes to the next prompt; Later takes
+    // what was typed (5 for anything but a number, at most 120, no lower limit), saves it and closes the
+    // prompt, so that the exercise countdown runs again and brings the prompt back when it runs out;
     // Exercise Now starts the break.
-    void thePromptOffersABreak() {
+    void thePromptPutsTheBreakOffOrStartsIt() {
         Rig rig;
-        rig.store.model().setValue("Exercise", "ProcrastinateM", "10");
-        rig.ctx.schedule.ExercisePromptPending = true;
-        rig.screens.showExercisePrompt();
-        QPointer<frmChkExercise> prompt = rig.screens.prompt();
-        QVERIFY(prompt && prompt->isVisible() && prompt->windowTitle() == "Exercise...");
-        QVERIFY(prompt->testAttribute(Qt::WA_ShowWithoutActivating) &&
-                (prompt->windowFlags() & Qt::WindowStaysOnTopHint));
-        auto* minutes = prompt->findChild<QComboBox*>("cmbMinutes");
-        QCOMPARE(minutes->currentText(), "10");
-        minutes->setEditText("999");
-        prompt->findChild<QPushButton*>("cmdWait")->click();
-        QTRY_VERIFY(!prompt);
-        QCOMPARE(rig.store.model().value("Exercise", "ProcrastinateM"), std::optional<QString>("120"));
-        QVERIFY(!rig.ctx.schedule.ExercisePromptPending && rig.ctx.schedule.MinutesToExercise == 120);
-
-        rig.screens.showExercisePrompt();
-        prompt = rig.screens.prompt();
-        prompt->findChild<QPushButton*>("cmdOK")->click();
-        QTRY_VERIFY(!prompt);
+        rig.store.model().setValue("Exercise", "ProcrastinateM", "7");
+        QString last = "7";
+        for (const auto& [typed, minutes] : {std::pair{"abc", 5}, std::pair{"-3", -3}, std::pair{"0", 0},
+                                             std::pair{"999", 120}, std::pair{" 12 ", 12}}) {
+            rig.ctx.schedule.ExercisePromptPending = true;
+            rig.screens.showExercisePrompt();
+            QPointer<frmChkExercise> prompt = rig.screens.prompt();
+            auto* field = prompt->findChild<QComboBox*>("cmbMinutes");
+            QVERIFY(field->currentText() == last && rig.ctx.schedule.MinutesToExercise == last.toInt());
+            field->setEditText(QLatin1String(typed));
+            prompt->findChild<QPushButton*>("cmdWait")->click();
+            QTRY_VERIFY(!prompt && !rig.ctx.schedule.ExercisePromptPending);
+            QCOMPARE(rig.ctx.schedule.MinutesToExercise, minutes);
+            last = QString::number(minutes);
+        }
+        rig.timeline.advance(12 * 60000);
+        QVERIFY(rig.screens.prompt()); // once the 12 minutes have run out
+        rig.screens.prompt()->findChild<QPushButton*>("cmdOK")->click();
         QVERIFY(rig.ctx.schedule.InExerciseBreak && rig.ctx.schedule.MinutesToExercise == 0);
     }
 

@@ -1,6 +1,8 @@
 #include "platform/linux/QtMessageBox.h"
 
+#include <QApplication>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QStyle>
 
@@ -28,21 +30,27 @@ QStyle::StandardPixmap pictureOf(MessageBox::Icon icon) {
 } // namespace
 
 MessageBox::Answer QtMessageBox::show(const QString& text, const QString& title, Buttons buttons, Icon icon) {
-    QMessageBox box;
-    box.setWindowTitle(title);
-    box.setText(text);
+    // The box belongs to the window the user is working in, so that it comes up over that window and
+    // stays above it: over the exercise player, not on a monitor that a black cover hides. That window
+    // may go while the box waits; then it takes the box with it, and the answer is the cautious one.
+    const QPointer<QMessageBox> box = new QMessageBox(QApplication::activeWindow());
+    box->setWindowTitle(title);
+    box->setText(text);
     if (icon != Icon::None)
-        box.setIconPixmap(box.style()->standardPixmap(pictureOf(icon), nullptr, &box));
+        box->setIconPixmap(box->style()->standardPixmap(pictureOf(icon), nullptr, box));
+    QPushButton* yes = nullptr;
     if (buttons == Buttons::YesNo) {
-        QPushButton* yes = box.addButton(QStringLiteral("&Yes"), QMessageBox::YesRole);
-        QPushButton* no = box.addButton(QStringLiteral("&No"), QMessageBox::NoRole);
-        box.setDefaultButton(yes);
-        box.setEscapeButton(no);
-        box.exec();
-        return box.clickedButton() == yes ? Answer::Yes : Answer::No;
+        yes = box->addButton(QStringLiteral("&Yes"), QMessageBox::YesRole);
+        box->setDefaultButton(yes);
+        box->setEscapeButton(box->addButton(QStringLiteral("&No"), QMessageBox::NoRole));
+    } else {
+        box->setEscapeButton(box->addButton(QStringLiteral("OK"), QMessageBox::AcceptRole));
     }
-    box.setEscapeButton(box.addButton(QStringLiteral("OK"), QMessageBox::AcceptRole));
-    box.exec();
+    box->exec();
+    const bool saidYes = box && yes && box->clickedButton() == yes;
+    delete box.data();
+    if (buttons == Buttons::YesNo)
+        return saidYes ? Answer::Yes : Answer::No;
     return Answer::Ok;
 }
 
