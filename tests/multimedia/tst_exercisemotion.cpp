@@ -16,12 +16,6 @@ using namespace tarvo;
 
 namespace {
 
-Pose turned(float degrees) {
-    Pose p;
-    p.headTurn = degrees;
-    return p;
-}
-
 // The points whose paths show the movement: head and face, the pupils and upper lids, shoulders,
 // elbows, wrists and finger tips (which curl towards the palm as the hand closes).
 std::vector<QVector3D> joints(const Pose& pose) {
@@ -43,8 +37,7 @@ std::vector<QVector3D> joints(const Pose& pose) {
 }
 
 float largestMove(const Pose& a, const Pose& b) {
-    const auto ja = joints(a);
-    const auto jb = joints(b);
+    const auto ja = joints(a), jb = joints(b);
     float largest = 0;
     for (size_t i = 0; i < ja.size(); ++i)
         largest = std::max(largest, (ja[i] - jb[i]).length());
@@ -62,10 +55,14 @@ class TestExerciseMotion : public QObject {
 
 private slots:
     void movesThroughKeysAndLoops() {
+        const auto turned = [](float degrees) {
+            Pose p;
+            p.headTurn = degrees;
+            return p;
+        };
         const Motion m(
             {{turned(0), 1.0f, 2.0f}, {turned(30), 0.5f, 1.0f, Ease::Linear}, {turned(-20), 0, 1.5f}});
         QCOMPARE(m.period(), 6.0f);
-        QCOMPARE(m.at(0).headTurn, 0.0f);
         QCOMPARE(m.at(0.9f).headTurn, 0.0f);              // held
         QCOMPARE(m.at(2.0f).headTurn, 15.0f);             // half way, eased symmetrically
         QVERIFY(m.at(1.4f).headTurn < 0.2f * 30);         // eased: slow off the mark
@@ -83,9 +80,8 @@ private slots:
 
         // Every easing starts and ends in place, clamps outside its move and never goes back.
         for (Ease e : {Ease::Smooth, Ease::Linear, Ease::In, Ease::Out}) {
-            QCOMPARE(eased(e, 0), 0.0f);
-            QCOMPARE(eased(e, -3), 0.0f);
-            QVERIFY(std::abs(eased(e, 1) - 1) < 1e-6f && std::abs(eased(e, 4) - 1) < 1e-6f);
+            QVERIFY(eased(e, 0) == 0 && eased(e, -3) == 0 && std::abs(eased(e, 1) - 1) < 1e-6f &&
+                    std::abs(eased(e, 4) - 1) < 1e-6f);
             for (int i = 1; i <= 20; ++i)
                 QVERIFY(eased(e, float(i) / 20) >= eased(e, float(i - 1) / 20));
         }
@@ -106,13 +102,11 @@ private slots:
         const Body b = bodyFor(Pose{});
         const Hand& left = b.arms[LeftSide].hand;
         const Hand& right = b.arms[RightSide].hand;
-        QVERIFY(near(left.wrist, {12, 27, 40}));
-        QVERIFY(near(right.wrist, {-12, 27, 40}));
+        QVERIFY(near(left.wrist, {12, 27, 40}) && near(right.wrist, {-12, 27, 40}));
         QVERIFY(left.thumbSide.x() < 0 && right.thumbSide.x() > 0);
-        for (const Hand& h : {left, right}) {
-            QVERIFY(std::abs(QVector3D::dotProduct(h.fingers, h.palm)) < 1e-4f);
-            QVERIFY(std::abs(h.thumbSide.length() - 1) < 1e-4f);
-        }
+        for (const Hand& h : {left, right})
+            QVERIFY(std::abs(QVector3D::dotProduct(h.fingers, h.palm)) < 1e-4f &&
+                    std::abs(h.thumbSide.length() - 1) < 1e-4f);
 
         // The hands go with the upper body when it turns.
         Pose twisted;
@@ -123,7 +117,8 @@ private slots:
     }
 
     // Every medium has a file of its own, keeps its named parts whole in the picture all through, and,
-    // as a video, moves and loops without a jump; a picture holds one pose.
+    // as a video, moves and loops without a jump, its frames drawn from the pose of the moment and the
+    // same moment always drawn alike; a picture holds one pose.
     void everyClipMovesLoopsAndStaysInThePicture() {
         const QRectF picture(QPointF(1, 1), QSizeF(kMediaSize) - QSizeF(2, 2));
         QSet<QString> names;
@@ -139,6 +134,7 @@ private slots:
             const float step = m.motion.period() / static_cast<float>(frames);
             float largestStep = 0;
             float farthest = 0; // from the first pose
+            float farthestAt = 0;
             for (int i = 0; i < frames; ++i) {
                 const float t = step * static_cast<float>(i);
                 for (Anchor a : m.keepInFrame)
@@ -147,7 +143,8 @@ private slots:
                         qPrintable(QStringLiteral("%1 at %2 s: part %3").arg(m.file).arg(t).arg(int(a))));
                 if (i > 0)
                     largestStep = std::max(largestStep, largestMove(m.motion.at(t - step), m.motion.at(t)));
-                farthest = std::max(farthest, largestMove(m.motion.at(0), m.motion.at(t)));
+                if (const float d = largestMove(m.motion.at(0), m.motion.at(t)); d > farthest)
+                    std::tie(farthest, farthestAt) = std::pair(d, t);
             }
             if (!m.isVideo())
                 continue;
@@ -157,56 +154,24 @@ private slots:
                 largestMove(m.motion.at(step * static_cast<float>(frames - 1)), m.motion.at(0));
             QVERIFY2(wrap <= largestStep * 1.2f + 0.01f,
                      qPrintable(QStringLiteral("%1 jumps by %2 cm when it loops").arg(m.file).arg(wrap)));
+            const QImage first = renderFrame(m, 0);
+            QVERIFY2(first != renderFrame(m, farthestAt) && first == renderFrame(m, 0), qPrintable(m.file));
         }
     }
 
-    // The renderer draws the pose of the moment, and the same moment always alike.
-    void framesFollowThePose() {
-        const std::vector<Medium> media = shoulderAndNeckExercises();
-        const auto turn = std::find_if(media.begin(), media.end(), [](const Medium& m) {
-            return m.file == QLatin1String("neckturn.avi");
-        });
-        QVERIFY(turn != media.end());
-        const QImage ahead = renderFrame(*turn, 0);
-        QCOMPARE(ahead.size(), kMediaSize);
-        QVERIFY(ahead != renderFrame(*turn, turn->motion.period() / 4));
-        QCOMPARE(renderFrame(*turn, 0), ahead);
-    }
-
+    // Odd sizes need a pad byte after the chunk; the reader checks every chunk, header and index entry.
     void framesComeBackThroughHeadersAndIndex() {
-        // Odd sizes need a pad byte after the chunk; the reader fails on any chunk at an odd offset.
         const std::vector<QByteArray> frames{QByteArray(1001, 'a'), QByteArray(2000, 'b'),
                                              QByteArray(7, 'c')};
         MjpegAviWriter writer(QSize(320, 240), 12);
         for (const QByteArray& f : frames)
             writer.addFrame(f);
-        QCOMPARE(writer.frameCount(), 3);
-        const QByteArray bytes = writer.toAvi();
-        QCOMPARE(bytes.size() % 2, 0);
-
-        const AviFile avi = readAvi(bytes);
+        const AviFile avi = readAvi(writer.toAvi());
         QVERIFY2(avi.errors.isEmpty(), qPrintable(avi.errors.join(QLatin1Char('\n'))));
         QCOMPARE(avi.frames, frames);
-        QCOMPARE(avi.totalFrames, 3u);
-        QCOMPARE(avi.length, 3u);
         QCOMPARE(avi.microSecPerFrame, 83333u);
-        QCOMPARE(avi.rate / avi.scale, 12u);
-        QVERIFY(avi.flags & 0x10); // has an index
-        QVERIFY(avi.width == 320 && avi.height == 240 && avi.bitmapWidth == 320 && avi.bitmapHeight == 240);
-        QVERIFY(avi.streams == 1 && avi.streamType == "vids" && avi.handler == "MJPG" &&
-                avi.compression == "MJPG");
-        QVERIFY(avi.suggestedBufferSize >= 2000 + 8);
+        QVERIFY(avi.width == 320 && avi.height == 240);
 
-        QCOMPARE(avi.index.size(), size_t(3));
-        for (size_t i = 0; i < frames.size(); ++i) {
-            QCOMPARE(avi.index[i].id, QByteArray("00dc"));
-            QCOMPARE(avi.index[i].flags, 0x10u); // every frame is a key frame
-            QCOMPARE(avi.index[i].size, static_cast<std::uint32_t>(frames[i].size()));
-        }
-        QCOMPARE(avi.index[0].offset, 4u); // right after the 'movi' type code
-    }
-
-    void refusesAVideoWithoutSizeOrRate() {
         QVERIFY_THROWS_EXCEPTION(std::invalid_argument, MjpegAviWriter(QSize(0, 240), 12));
         QVERIFY_THROWS_EXCEPTION(std::invalid_argument, MjpegAviWriter(QSize(320, 240), 0));
     }

@@ -6,19 +6,12 @@
 #include <QProcess>
 
 ProgramRun runProgram(const QString& program, const QStringList& arguments, const QString& home,
-                      const QStringList& environment, int timeoutMs) {
+                      int timeoutMs) {
     QProcess p;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("XDG_CONFIG_HOME", home + "/config");
     env.insert("XDG_RUNTIME_DIR", home); // a private instance lock
     env.insert("QT_QPA_PLATFORM", "offscreen");
-    for (const QString& entry : environment) {
-        const qsizetype is = entry.indexOf('=');
-        if (is < 0)
-            env.remove(entry);
-        else
-            env.insert(entry.left(is), entry.mid(is + 1));
-    }
     p.setProcessEnvironment(env);
     p.start(QStringLiteral(TARVO_PROGRAM_DIR "/") + program, arguments);
     if (!p.waitForFinished(timeoutMs)) {
@@ -36,7 +29,7 @@ QByteArray readFile(const QString& path) {
 }
 
 bool writeFile(const QString& path, const QByteArray& bytes) {
-    QDir().mkpath(QFileInfo(path).absolutePath());
     QFile f(path);
-    return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
+    return QDir().mkpath(QFileInfo(path).absolutePath()) &&
+           f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
 }

@@ -10,11 +10,10 @@ struct ProgramRun {
     QString out, err;
 };
 
-// Runs a program of the program folder with `home` as its settings folder ($XDG_CONFIG_HOME is
-// <home>/config) and runtime folder, on the offscreen platform unless `environment` says otherwise
-// ("NAME=value" entries, "NAME" alone removes one).
+// Runs a program of the program folder on the offscreen platform with `home` as its settings folder
+// ($XDG_CONFIG_HOME is <home>/config) and runtime folder.
 ProgramRun runProgram(const QString& program, const QStringList& arguments, const QString& home,
-                      const QStringList& environment = {}, int timeoutMs = 60000);
+                      int timeoutMs = 60000);
 
 QByteArray readFile(const QString& path);
 // Writes the bytes, making the folder first; false when it cannot.
