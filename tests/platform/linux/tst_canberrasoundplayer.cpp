@@ -10,11 +10,7 @@
 
 using namespace tarvo;
 
-namespace {
-
 const QString kBeepFile = QStringLiteral(TARVO_PROGRAM_DIR "/beep.wav");
-
-} // namespace
 
 class TestCanberraSoundPlayer : public QObject {
     Q_OBJECT
@@ -34,7 +30,8 @@ private slots:
         haveServer_ = pulse_.start();
     }
 
-    // With no server every kind of path is silence at once, while a pause still takes its time.
+    // With no server every kind of path is silence at once. (That a pause takes its time, the beeps
+    // through a server show.)
     void withoutAServerEverythingIsSilenceAtOnce() {
         const QByteArray server = qgetenv("PULSE_SERVER");
         qputenv("PULSE_SERVER", "unix:" + QFile::encodeName(pulse_.filePath("no-server")));
@@ -47,11 +44,6 @@ private slots:
             player.beep();
             QVERIFY2(clock.elapsed() < 500, qPrintable(path));
         }
-        QElapsedTimer clock;
-        clock.start();
-        CanberraSoundPlayer(kBeepFile).sleep(1000);
-        QCOMPARE_GE(clock.elapsed(), 1000);
-        QCOMPARE_LT(clock.elapsed(), 1400);
         qputenv("PULSE_SERVER", server);
     }
 
