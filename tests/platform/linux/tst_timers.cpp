@@ -30,8 +30,7 @@ private slots:
         clock_gettime(CLOCK_BOOTTIME, &ts);
         const auto expected = static_cast<std::uint32_t>(static_cast<std::uint64_t>(ts.tv_sec) * 1000u +
                                                          static_cast<std::uint64_t>(ts.tv_nsec) / 1000000u);
-        const auto tick = static_cast<std::uint32_t>(SystemClock().tickCount());
-        QVERIFY2(tick - expected < 1000u,
+        QVERIFY2(static_cast<std::uint32_t>(SystemClock().tickCount()) - expected < 1000u,
                  "the tick count must be CLOCK_BOOTTIME in ms, truncated to 32 bits");
     }
 
@@ -49,7 +48,6 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(ticks.count[&probe] >= 5 && ticks.count[&timer] >= 3, 5000);
         QCOMPARE(ticks.count[&disabled], 0);
         QCOMPARE(ticks.count[&zero], 0);
-        QVERIFY(zero.isEnabled());
 
         // Disabled again, or set to 0, it stops; the probe goes on.
         timer.setEnabled(false);
