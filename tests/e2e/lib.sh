@@ -63,17 +63,11 @@ more_shown_than() { [ "$(shown)" -gt "$1" ]; }
 
 # The icon docks: one of the program's windows ends up inside trayer's panel. Prints that window.
 docked_icon() {
-    local w p
-    for w in $(xdotool search --pid "$tarvo" 2>/dev/null); do
-        p=$w
-        for _ in 1 2 3 4 5 6; do
-            p=$(xwininfo -children -id "$p" 2>/dev/null | awk '/Parent window id/{print $4}')
-            # Stop at the root: xwininfo would wait for a click when asked about window 0.
-            [ -n "$p" ] && [ "$((p))" != 0 ] || break
-            if xprop -id "$p" WM_CLASS 2>/dev/null | grep -q '"trayer"'; then
-                echo "$w"
-                return 0
-            fi
+    local panel tree w
+    for panel in $(xdotool search --class '^trayer$' 2>/dev/null); do
+        tree=$(xwininfo -tree -id "$panel" 2>/dev/null)
+        for w in $(xdotool search --pid "$tarvo" 2>/dev/null); do
+            grep -q "^ *$(printf '0x%x' "$w") " <<<"$tree" && { echo "$w"; return 0; }
         done
     done
     return 1
