@@ -4,9 +4,7 @@
 
 # Ends the test as skipped when one of the tools is missing.
 needs() {
-    for tool; do
-        command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
-    done
+    for tool; do command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }; done
 }
 
 # The programs must run on the X server whatever the caller's environment says.

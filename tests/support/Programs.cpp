@@ -14,11 +14,8 @@ ProgramRun runProgram(const QString& program, const QStringList& arguments, cons
     env.insert("QT_QPA_PLATFORM", "offscreen");
     p.setProcessEnvironment(env);
     p.start(QStringLiteral(TARVO_PROGRAM_DIR "/") + program, arguments);
-    if (!p.waitForFinished(timeoutMs)) {
-        p.kill();
-        p.waitForFinished();
-        return {};
-    }
+    if (!p.waitForFinished(timeoutMs))
+        return {}; // and the process is killed with `p`
     return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
             QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
 }

@@ -34,27 +34,23 @@ private slots:
                  "the tick count must be CLOCK_BOOTTIME in ms, truncated to 32 bits");
     }
 
-    // A probe timer that runs all along shows time passing; the timers under test must not have ticked
-    // meanwhile unless they should.
+    // The timer that runs shows time passing; the others must not have ticked meanwhile.
     void qtTimerFiresOnlyWhenEnabledWithAnInterval() {
         Ticks ticks;
-        QtTimer probe(ticks), disabled(ticks), zero(ticks), timer(ticks);
-        probe.setInterval(10);
-        probe.setEnabled(true);
+        QtTimer disabled(ticks), zero(ticks), timer(ticks);
         disabled.setInterval(10);
         zero.setEnabled(true); // an interval of 0 never fires, even enabled
         timer.setInterval(10);
         timer.setEnabled(true);
-        QTRY_VERIFY_WITH_TIMEOUT(ticks.count[&probe] >= 5 && ticks.count[&timer] >= 3, 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(ticks.count[&timer] >= 5, 5000);
         QCOMPARE(ticks.count[&disabled], 0);
         QCOMPARE(ticks.count[&zero], 0);
 
-        // Disabled again, or set to 0, it stops; the probe goes on.
+        // Disabled again it stops, while the one now given an interval runs.
         timer.setEnabled(false);
         zero.setInterval(20);
         const int stopped = ticks.count[&timer];
-        const int probed = ticks.count[&probe];
-        QTRY_VERIFY_WITH_TIMEOUT(ticks.count[&probe] >= probed + 5 && ticks.count[&zero] >= 1, 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(ticks.count[&zero] >= 5, 5000);
         QCOMPARE(ticks.count[&timer], stopped);
     }
 
