@@ -86,8 +86,7 @@ start_tarvo() { # [<.reg lines>...]
 
 # A second start pops the running instance's menu up; then the given key (an item's access key).
 menu_key() { # <key>
-    local before
-    before=$(shown)
+    local before=$(shown)
     "$bin/tarvo" &
     pids+=($!)
     wait_for 50 more_shown_than "$before" || fail "a second start did not pop up the menu"

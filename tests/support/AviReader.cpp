@@ -39,19 +39,17 @@ AviFile readAvi(const QByteArray& b) {
             }
             at += 8 + size + size % 2; // an odd chunk is followed by a pad byte
         }
-        check(
-            at == end,
-            QStringLiteral("%1 ends in a chunk that runs past it or its pad byte").arg(QLatin1String(list)));
+        check(at == end, QStringLiteral("%1 ends in a chunk that overruns it").arg(QLatin1String(list)));
     };
     walk(12, b.size(), {});
-    const std::map<QByteArray, std::uint32_t> sizes{
-        {"/hdrl/avih", 56}, {"/hdrl/strl/strh", 56}, {"/hdrl/strl/strf", 40}, {"/movi", 0}, {"/idx1", 0}};
-    for (const auto& [path, size] : sizes)
+    // Exactly these chunks, each of its size (0: any).
+    const std::map<QByteArray, std::uint32_t> layout{
+        {"/hdrl", 0}, {"/hdrl/avih", 56}, {"/hdrl/strl", 0}, {"/hdrl/strl/strh", 56}, {"/hdrl/strl/strf", 40},
+        {"/movi", 0}, {"/movi/00dc", 0},  {"/idx1", 0}};
+    for (const auto& [path, size] : layout)
         check(chunks.count(path) && (!size || chunks[path].second == size),
               QStringLiteral("no %1 of its size").arg(QLatin1String(path)));
-    for (const auto& [path, chunk] : chunks)
-        check(sizes.count(path) || path == "/hdrl" || path == "/hdrl/strl" || path == "/movi/00dc",
-              QStringLiteral("unexpected %1").arg(QLatin1String(path)));
+    check(chunks.size() == layout.size(), "chunks of a kind that does not belong");
     if (!f.errors.isEmpty())
         return f;
 

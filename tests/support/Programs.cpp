@@ -1,8 +1,5 @@
 #include "support/Programs.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QProcess>
 
 ProgramRun runProgram(const QString& program, const QStringList& arguments, const QString& home,
@@ -18,15 +15,4 @@ ProgramRun runProgram(const QString& program, const QStringList& arguments, cons
         return {}; // and the process is killed with `p`
     return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
             QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
-}
-
-QByteArray readFile(const QString& path) {
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-bool writeFile(const QString& path, const QByteArray& bytes) {
-    QFile f(path);
-    return QDir().mkpath(QFileInfo(path).absolutePath()) &&
-           f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
 }

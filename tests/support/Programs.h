@@ -1,6 +1,9 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QString>
 #include <QStringList>
 
@@ -15,6 +18,14 @@ struct ProgramRun {
 ProgramRun runProgram(const QString& program, const QStringList& arguments, const QString& home,
                       int timeoutMs = 60000);
 
-QByteArray readFile(const QString& path);
+inline QByteArray readFile(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
 // Writes the bytes, making the folder first; false when it cannot.
-bool writeFile(const QString& path, const QByteArray& bytes);
+inline bool writeFile(const QString& path, const QByteArray& bytes) {
+    QFile f(path);
+    return QDir().mkpath(QFileInfo(path).absolutePath()) &&
+           f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
+}

@@ -46,11 +46,6 @@ PulseServer::PulseServer() {
     qputenv("XDG_CACHE_HOME", QFile::encodeName(dir_.filePath("cache")));
 }
 
-PulseServer::~PulseServer() {
-    server_.terminate();
-    server_.waitForFinished(5000);
-}
-
 bool PulseServer::start() {
     if (QStandardPaths::findExecutable("pulseaudio").isEmpty())
         return false;
@@ -96,11 +91,4 @@ qint64 PulseServer::record(const std::function<void()>& play, QList<Sound>& soun
     parec.waitForFinished(5000);
     sounds = soundsIn(readFile(path));
     return took;
-}
-
-QString PulseServer::describe(const QList<Sound>& sounds) {
-    QString text;
-    for (const Sound& s : sounds)
-        text += QStringLiteral("%1+%2 ").arg(s.startMs).arg(s.lengthMs());
-    return text;
 }

@@ -21,7 +21,10 @@ public:
     };
 
     PulseServer();
-    ~PulseServer();
+    ~PulseServer() {
+        server_.terminate();
+        server_.waitForFinished(5000);
+    }
 
     // Starts the server; false when pulseaudio is not installed or did not come up.
     bool start();
@@ -32,7 +35,12 @@ public:
     qint64 record(const std::function<void()>& play, QList<Sound>& sounds);
 
     // "start+length start+length ..." for messages.
-    static QString describe(const QList<Sound>& sounds);
+    static QString describe(const QList<Sound>& sounds) {
+        QString text;
+        for (const Sound& s : sounds)
+            text += QStringLiteral("%1+%2 ").arg(s.startMs).arg(s.lengthMs());
+        return text;
+    }
 
     // A private folder for the test's own files.
     QString filePath(const QString& name) const { return dir_.filePath(name); }

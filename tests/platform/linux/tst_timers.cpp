@@ -11,18 +11,12 @@
 
 using namespace tarvo;
 
-namespace {
-
-// Counts each timer's ticks.
-struct Ticks : Timer::Listener {
-    std::map<const Timer*, int> count;
-    void timerTick(Timer& timer) override { ++count[&timer]; }
-};
-
-} // namespace
-
-class TestTimers : public QObject {
+// Listens to the timers under test, counting each one's ticks.
+class TestTimers : public QObject, Timer::Listener {
     Q_OBJECT
+
+    std::map<const Timer*, int> ticks_;
+    void timerTick(Timer& timer) override { ++ticks_[&timer]; }
 
 private slots:
     void tickCountIsBootTimeInMilliseconds() {
@@ -36,22 +30,21 @@ private slots:
 
     // The timer that runs shows time passing; the others must not have ticked meanwhile.
     void qtTimerFiresOnlyWhenEnabledWithAnInterval() {
-        Ticks ticks;
-        QtTimer disabled(ticks), zero(ticks), timer(ticks);
+        QtTimer disabled(*this), zero(*this), timer(*this);
         disabled.setInterval(10);
         zero.setEnabled(true); // an interval of 0 never fires, even enabled
         timer.setInterval(10);
         timer.setEnabled(true);
-        QTRY_VERIFY_WITH_TIMEOUT(ticks.count[&timer] >= 5, 5000);
-        QCOMPARE(ticks.count[&disabled], 0);
-        QCOMPARE(ticks.count[&zero], 0);
+        QTRY_VERIFY_WITH_TIMEOUT(ticks_[&timer] >= 5, 5000);
+        QCOMPARE(ticks_[&disabled], 0);
+        QCOMPARE(ticks_[&zero], 0);
 
         // Disabled again it stops, while the one now given an interval runs.
         timer.setEnabled(false);
         zero.setInterval(20);
-        const int stopped = ticks.count[&timer];
-        QTRY_VERIFY_WITH_TIMEOUT(ticks.count[&zero] >= 5, 5000);
-        QCOMPARE(ticks.count[&timer], stopped);
+        const int stopped = ticks_[&timer];
+        QTRY_VERIFY_WITH_TIMEOUT(ticks_[&zero] >= 5, 5000);
+        QCOMPARE(ticks_[&timer], stopped);
     }
 
     void fileDialogFilterForQt() {
