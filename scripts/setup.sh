@@ -20,7 +20,7 @@ packages=(
     qt6-multimedia-dev                          # Qt Multimedia: the video helper tarvovideo plays the exercise videos with it
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good # its GStreamer back end: playback, AVI demuxer, Motion JPEG decoder
     gstreamer1.0-libav                          # users' own clips in older codecs (Cinepak, Microsoft Video 1, Indeo...)
-    gstreamer1.0-tools gstreamer1.0-plugins-base-apps   # gst-inspect, and gst-discoverer that the media tests play the videos with
+    gstreamer1.0-tools                          # gst-launch, with which the end-to-end tests take their screenshots
     fonts-dejavu-core                           # the exercise media's title lettering
     clang libclang-rt-14-dev                    # fuzzing (scripts/fuzz.sh): clang and its libFuzzer and sanitizer runtimes
     faketime libfaketime                        # bench/soak_day.sh: a day of schedule on a clock 60 times faster

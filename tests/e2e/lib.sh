@@ -4,9 +4,7 @@
 
 # Ends the test as skipped when one of the tools is missing.
 needs() {
-    for tool; do
-        command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
-    done
+    for tool; do command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }; done
 }
 
 # The programs must run on the X server whatever the caller's environment says.
@@ -63,17 +61,11 @@ more_shown_than() { [ "$(shown)" -gt "$1" ]; }
 
 # The icon docks: one of the program's windows ends up inside trayer's panel. Prints that window.
 docked_icon() {
-    local w p
-    for w in $(xdotool search --pid "$tarvo" 2>/dev/null); do
-        p=$w
-        for _ in 1 2 3 4 5 6; do
-            p=$(xwininfo -children -id "$p" 2>/dev/null | awk '/Parent window id/{print $4}')
-            # Stop at the root: xwininfo would wait for a click when asked about window 0.
-            [ -n "$p" ] && [ "$((p))" != 0 ] || break
-            if xprop -id "$p" WM_CLASS 2>/dev/null | grep -q '"trayer"'; then
-                echo "$w"
-                return 0
-            fi
+    local panel tree w
+    for panel in $(xdotool search --class '^trayer$' 2>/dev/null); do
+        tree=$(xwininfo -tree -id "$panel" 2>/dev/null)
+        for w in $(xdotool search --pid "$tarvo" 2>/dev/null); do
+            grep -q "^ *$(printf '0x%x' "$w") " <<<"$tree" && { echo "$w"; return 0; }
         done
     done
     return 1
@@ -94,8 +86,7 @@ start_tarvo() { # [<.reg lines>...]
 
 # A second start pops the running instance's menu up; then the given key (an item's access key).
 menu_key() { # <key>
-    local before
-    before=$(shown)
+    local before=$(shown)
     "$bin/tarvo" &
     pids+=($!)
     wait_for 50 more_shown_than "$before" || fail "a second start did not pop up the menu"

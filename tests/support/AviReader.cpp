@@ -2,124 +2,85 @@
 
 #include <QtEndian>
 
-namespace {
+#include <cmath>
+#include <functional>
+#include <map>
 
-class Reader {
-public:
-    explicit Reader(const QByteArray& bytes)
-        : b_(bytes) {}
-
-    AviFile read() {
-        if (b_.size() < 12 || b_.left(4) != "RIFF" || b_.mid(8, 4) != "AVI ") {
-            f_.errors << QStringLiteral("not a RIFF 'AVI ' file");
-            return f_;
-        }
-        if (u32(4) + 8 != static_cast<std::uint64_t>(b_.size()))
-            f_.errors << QStringLiteral("RIFF size %1 does not match the file's %2 bytes")
-                             .arg(u32(4))
-                             .arg(b_.size());
-        walk(12, 8 + std::min<qsizetype>(u32(4), b_.size() - 8), QByteArray());
-        for (const char* needed : {"avih", "strh", "strf", "movi", "idx1"})
-            if (!seen_.contains(needed))
-                f_.errors << QStringLiteral("no '%1'").arg(QLatin1String(needed));
-        checkIndex();
-        return f_;
+AviFile readAvi(const QByteArray& b) {
+    AviFile f;
+    const auto u32 = [&](qsizetype at) { return qFromLittleEndian<std::uint32_t>(b.constData() + at); };
+    const auto u16 = [&](qsizetype at) { return qFromLittleEndian<std::uint16_t>(b.constData() + at); };
+    const auto check = [&](bool ok, const QString& breach) {
+        if (!ok)
+            f.errors << breach;
+    };
+    if (b.size() < 12 || !b.startsWith("RIFF") || b.mid(8, 4) != "AVI " ||
+        std::uint64_t(u32(4)) + 8 != std::uint64_t(b.size())) {
+        f.errors << QStringLiteral("not a RIFF 'AVI ' file of the size it gives");
+        return f;
     }
-
-private:
-    std::uint32_t u32(qsizetype at) const { return qFromLittleEndian<std::uint32_t>(b_.constData() + at); }
-    std::uint16_t u16(qsizetype at) const { return qFromLittleEndian<std::uint16_t>(b_.constData() + at); }
-
-    // The chunks between `at` and `end`, inside the list of type `list`.
-    void walk(qsizetype at, qsizetype end, const QByteArray& list) {
-        while (at < end) {
-            if (at + 8 > end) {
-                f_.errors << QStringLiteral("truncated chunk header at %1").arg(at);
-                return;
-            }
-            const QByteArray id = b_.mid(at, 4);
+    // Each chunk by its path of list types ("/hdrl/strl/strh"): where its data starts, and its size.
+    std::map<QByteArray, std::pair<qsizetype, std::uint32_t>> chunks;
+    std::vector<qsizetype> frameAt;
+    const std::function<void(qsizetype, qsizetype, const QByteArray&)> walk = [&](qsizetype at, qsizetype end,
+                                                                                  const QByteArray& list) {
+        while (at + 8 <= end && at + 8 + u32(at + 4) <= end) {
             const std::uint32_t size = u32(at + 4);
-            const qsizetype data = at + 8;
-            if (data + size > end) {
-                f_.errors << QStringLiteral("chunk '%1' at %2 runs past its parent")
-                                 .arg(QString::fromLatin1(id))
-                                 .arg(at);
-                return;
+            const bool isList = b.mid(at, 4) == "LIST";
+            const QByteArray path = list + '/' + b.mid(isList ? at + 8 : at, 4);
+            check(path == "/movi/00dc" || !chunks.count(path),
+                  QStringLiteral("a second %1").arg(QLatin1String(path)));
+            chunks[path] = {at + 8, size};
+            if (isList)
+                walk(at + 12, at + 8 + size, path);
+            else if (path == "/movi/00dc") {
+                f.frames.push_back(b.mid(at + 8, size));
+                frameAt.push_back(at);
             }
-            chunk(id, data, size, list);
-            at = data + size + (size % 2);
+            at += 8 + size + size % 2; // an odd chunk is followed by a pad byte
         }
-        if (at != end)
-            f_.errors << QStringLiteral("list '%1' ends inside a pad byte").arg(QString::fromLatin1(list));
+        check(at == end, QStringLiteral("%1 ends in a chunk that overruns it").arg(QLatin1String(list)));
+    };
+    walk(12, b.size(), {});
+    // Exactly these chunks, each of its size (0: any).
+    const std::map<QByteArray, std::uint32_t> layout{
+        {"/hdrl", 0}, {"/hdrl/avih", 56}, {"/hdrl/strl", 0}, {"/hdrl/strl/strh", 56}, {"/hdrl/strl/strf", 40},
+        {"/movi", 0}, {"/movi/00dc", 0},  {"/idx1", 0}};
+    for (const auto& [path, size] : layout)
+        check(chunks.count(path) && (!size || chunks[path].second == size),
+              QStringLiteral("no %1 of its size").arg(QLatin1String(path)));
+    check(chunks.size() == layout.size(), "chunks of a kind that does not belong");
+    if (!f.errors.isEmpty())
+        return f;
+
+    const qsizetype avih = chunks["/hdrl/avih"].first, strh = chunks["/hdrl/strl/strh"].first;
+    const qsizetype strf = chunks["/hdrl/strl/strf"].first, movi = chunks["/movi"].first;
+    const auto count = static_cast<std::uint32_t>(f.frames.size());
+    f.microSecPerFrame = u32(avih);
+    f.width = u32(avih + 32);
+    f.height = u32(avih + 36);
+    qsizetype largest = 0;
+    for (const QByteArray& frame : f.frames)
+        largest = std::max(largest, frame.size());
+    // One stream, the flag that says there is an index (0x10), and room for the largest frame's chunk.
+    check((u32(avih + 12) & 0x10) && u32(avih + 16) == count && u32(avih + 24) == 1 &&
+              u32(avih + 28) >= largest + 8,
+          "'avih' does not describe the frames");
+    check(b.mid(strh, 8) == "vidsMJPG" && u32(strh + 32) == count && u16(strh + 52) == f.width &&
+              u16(strh + 54) == f.height && u32(strh + 24) > 0 &&
+              std::abs(1e6 * u32(strh + 20) / u32(strh + 24) - f.microSecPerFrame) < 1,
+          "'strh' does not describe an MJPEG stream of the frames at the rate of 'avih'");
+    check(u32(strf) == 40 && u32(strf + 4) == f.width && u32(strf + 8) == f.height &&
+              b.mid(strf + 16, 4) == "MJPG",
+          "'strf' is not the BITMAPINFOHEADER of MJPEG pictures of the picture size");
+    // The index names every frame in order, as a key frame (0x10), by its offset from the 'movi' type.
+    const qsizetype idx1 = chunks["/idx1"].first;
+    check(chunks["/idx1"].second == 16 * count, "not one index entry per frame");
+    for (std::uint32_t i = 0; i < count && idx1 + 16 * (i + 1) <= b.size(); ++i) {
+        const qsizetype e = idx1 + 16 * i;
+        check(b.mid(e, 4) == "00dc" && u32(e + 4) == 0x10 && u32(e + 8) == frameAt[i] - movi &&
+                  u32(e + 12) == f.frames[i].size(),
+              QStringLiteral("index entry %1 does not name frame %1 as a key frame").arg(i));
     }
-
-    void chunk(const QByteArray& id, qsizetype data, std::uint32_t size, const QByteArray& list) {
-        if (id == "LIST") {
-            const QByteArray type = b_.mid(data, 4);
-            seen_ << type;
-            if (type == "movi")
-                moviType_ = data;
-            walk(data + 4, data + size, type);
-            return;
-        }
-        seen_ << id;
-        if (id == "avih" && list == "hdrl") {
-            if (size != 56)
-                f_.errors << QStringLiteral("'avih' of %1 bytes").arg(size);
-            f_.microSecPerFrame = u32(data);
-            f_.flags = u32(data + 12);
-            f_.totalFrames = u32(data + 16);
-            f_.streams = u32(data + 24);
-            f_.suggestedBufferSize = u32(data + 28);
-            f_.width = u32(data + 32);
-            f_.height = u32(data + 36);
-        } else if (id == "strh" && list == "strl") {
-            if (size != 56)
-                f_.errors << QStringLiteral("'strh' of %1 bytes").arg(size);
-            f_.streamType = b_.mid(data, 4);
-            f_.handler = b_.mid(data + 4, 4);
-            f_.scale = u32(data + 20);
-            f_.rate = u32(data + 24);
-            f_.length = u32(data + 32);
-            if (u16(data + 52) != f_.width || u16(data + 54) != f_.height)
-                f_.errors << QStringLiteral("'strh' frame rectangle differs from the picture size");
-        } else if (id == "strf" && list == "strl") {
-            if (size != 40 || u32(data) != 40)
-                f_.errors << QStringLiteral("'strf' is not a BITMAPINFOHEADER");
-            f_.bitmapWidth = static_cast<std::int32_t>(u32(data + 4));
-            f_.bitmapHeight = static_cast<std::int32_t>(u32(data + 8));
-            f_.compression = b_.mid(data + 16, 4);
-        } else if (id == "00dc" && list == "movi") {
-            f_.frames.push_back(b_.mid(data, size));
-        } else if (id == "idx1") {
-            if (size % 16)
-                f_.errors << QStringLiteral("'idx1' of %1 bytes is not whole entries").arg(size);
-            for (qsizetype e = data; e + 16 <= data + size; e += 16)
-                f_.index.push_back({b_.mid(e, 4), u32(e + 4), u32(e + 8), u32(e + 12)});
-        } else {
-            f_.errors << QStringLiteral("unexpected chunk '%1' in '%2'")
-                             .arg(QString::fromLatin1(id), QString::fromLatin1(list));
-        }
-    }
-
-    // Each index entry names a chunk by its offset from the 'movi' type code.
-    void checkIndex() {
-        for (const AviIndexEntry& e : f_.index) {
-            const qsizetype at = moviType_ + e.offset;
-            if (moviType_ < 0 || at + 8 > b_.size() || b_.mid(at, 4) != e.id || u32(at + 4) != e.size)
-                f_.errors
-                    << QStringLiteral("index entry at offset %1 does not point at its chunk").arg(e.offset);
-        }
-    }
-
-    const QByteArray& b_;
-    AviFile f_;
-    QList<QByteArray> seen_;
-    qsizetype moviType_ = -1;
-};
-
-} // namespace
-
-AviFile readAvi(const QByteArray& bytes) {
-    return Reader(bytes).read();
+    return f;
 }

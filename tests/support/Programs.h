@@ -1,6 +1,9 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QString>
 #include <QStringList>
 
@@ -10,12 +13,19 @@ struct ProgramRun {
     QString out, err;
 };
 
-// Runs a program of the program folder with `home` as its settings folder ($XDG_CONFIG_HOME is
-// <home>/config) and runtime folder, on the offscreen platform unless `environment` says otherwise
-// ("NAME=value" entries, "NAME" alone removes one).
+// Runs a program of the program folder on the offscreen platform with `home` as its settings folder
+// ($XDG_CONFIG_HOME is <home>/config) and runtime folder.
 ProgramRun runProgram(const QString& program, const QStringList& arguments, const QString& home,
-                      const QStringList& environment = {}, int timeoutMs = 60000);
+                      int timeoutMs = 60000);
 
-QByteArray readFile(const QString& path);
+inline QByteArray readFile(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
 // Writes the bytes, making the folder first; false when it cannot.
-bool writeFile(const QString& path, const QByteArray& bytes);
+inline bool writeFile(const QString& path, const QByteArray& bytes) {
+    QFile f(path);
+    return QDir().mkpath(QFileInfo(path).absolutePath()) &&
+           f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
+}

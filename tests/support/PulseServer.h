@@ -21,20 +21,26 @@ public:
     };
 
     PulseServer();
-    ~PulseServer();
+    ~PulseServer() {
+        server_.terminate();
+        server_.waitForFinished(5000);
+    }
 
     // Starts the server; false when pulseaudio is not installed or did not come up.
     bool start();
     // Records the sink while `play` runs: the sounds heard, and how long `play` took (-1 if nothing was
     // recorded). parec delivers its first data up to 2 s late, so nothing plays before it has; the last
-    // sound's tail gets half a second.
+    // sound's tail gets half a second. A sound is a run of 1 ms windows at or above a quarter of the
+    // loudest peak, after at least 20 ms below it; a recording never louder than 300 is silence.
     qint64 record(const std::function<void()>& play, QList<Sound>& sounds);
 
-    // The sounds in raw 16-bit mono samples: runs of 1 ms windows at or above a quarter of the loudest
-    // peak, each following at least 20 ms below it. A recording never louder than 300 is silence.
-    static QList<Sound> soundsIn(const QByteArray& samples);
     // "start+length start+length ..." for messages.
-    static QString describe(const QList<Sound>& sounds);
+    static QString describe(const QList<Sound>& sounds) {
+        QString text;
+        for (const Sound& s : sounds)
+            text += QStringLiteral("%1+%2 ").arg(s.startMs).arg(s.lengthMs());
+        return text;
+    }
 
     // A private folder for the test's own files.
     QString filePath(const QString& name) const { return dir_.filePath(name); }

@@ -13,13 +13,9 @@ public:
 
     // Starts the server; false if it does not come up within a few seconds. Extra arguments are passed on.
     bool start(const QStringList& extraArguments = {}) {
-        process_.setProcessChannelMode(QProcess::SeparateChannels);
         process_.setStandardErrorFile(QProcess::nullDevice());
-        process_.start(QStringLiteral("Xvfb"),
-                       QStringList{QStringLiteral("-displayfd"), QStringLiteral("1"),
-                                   QStringLiteral("-screen"), QStringLiteral("0"),
-                                   QStringLiteral("640x480x24"), QStringLiteral("-noreset"),
-                                   QStringLiteral("-nolisten"), QStringLiteral("tcp")} +
+        process_.start("Xvfb",
+                       QStringLiteral("-displayfd 1 -screen 0 640x480x24 -noreset -nolisten tcp").split(' ') +
                            extraArguments);
         // The number arrives once the server accepts connections.
         while (!process_.canReadLine()) {
@@ -41,13 +37,8 @@ public:
     }
 
     void stop() {
-        if (process_.state() == QProcess::NotRunning)
-            return;
         process_.terminate();
-        if (!process_.waitForFinished(5000)) {
-            process_.kill();
-            process_.waitForFinished(5000);
-        }
+        process_.waitForFinished(5000);
     }
 
     ~XvfbServer() { stop(); }

@@ -10,11 +10,7 @@
 
 using namespace tarvo;
 
-namespace {
-
 const QString kBeepFile = QStringLiteral(TARVO_PROGRAM_DIR "/beep.wav");
-
-} // namespace
 
 class TestCanberraSoundPlayer : public QObject {
     Q_OBJECT
@@ -34,7 +30,8 @@ private slots:
         haveServer_ = pulse_.start();
     }
 
-    // With no server every kind of path is silence at once, while a pause still takes its time.
+    // With no server every kind of path is silence at once. (That a pause takes its time, the beeps
+    // through a server show.)
     void withoutAServerEverythingIsSilenceAtOnce() {
         const QByteArray server = qgetenv("PULSE_SERVER");
         qputenv("PULSE_SERVER", "unix:" + QFile::encodeName(pulse_.filePath("no-server")));
@@ -47,11 +44,6 @@ private slots:
             player.beep();
             QVERIFY2(clock.elapsed() < 500, qPrintable(path));
         }
-        QElapsedTimer clock;
-        clock.start();
-        CanberraSoundPlayer(kBeepFile).sleep(1000);
-        QCOMPARE_GE(clock.elapsed(), 1000);
-        QCOMPARE_LT(clock.elapsed(), 1400);
         qputenv("PULSE_SERVER", server);
     }
 
@@ -72,10 +64,9 @@ private slots:
             },
             sounds);
         QVERIFY2(took >= 2164 && took < 2164 + 300, QByteArray::number(took));
-        QVERIFY2(sounds.size() == 3, qPrintable(PulseServer::describe(sounds)));
-        for (const auto& [i, gap] : {std::pair{1, 166}, std::pair{2, 999}})
-            QVERIFY2(std::abs(sounds[i].startMs - sounds[i - 1].startMs - gap) <= 60,
-                     qPrintable(PulseServer::describe(sounds)));
+        QVERIFY2(sounds.size() == 3 && std::abs(sounds[1].startMs - sounds[0].startMs - 166) <= 60 &&
+                     std::abs(sounds[2].startMs - sounds[1].startMs - 999) <= 60,
+                 qPrintable(PulseServer::describe(sounds)));
 
         took = pulse_.record([&] { player.playSync(kBeepFile); }, sounds);
         QVERIFY2(took >= 150 && took < 150 + 300, QByteArray::number(took));
@@ -90,8 +81,8 @@ private slots:
                 }
             },
             sounds);
-        QVERIFY2(took >= 0 && took < 1000, QByteArray::number(took));
-        QVERIFY2(sounds.isEmpty(), qPrintable(PulseServer::describe(sounds)));
+        QVERIFY2(took >= 0 && took < 1000 && sounds.isEmpty(),
+                 qPrintable(QString::number(took) + " ms: " + PulseServer::describe(sounds)));
     }
 };
 
