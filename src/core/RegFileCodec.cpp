@@ -164,13 +164,13 @@ QString textOfHexString(const QByteArray& bytes, bool unicode) {
 } // namespace
 
 RegParseError::RegParseError(QString file, int line, QString reason)
-    : std::runtime_error(QStringLiteral("%1:%2: %3").arg(file).arg(line).arg(reason).toStdString())
+    : std::runtime_error(QStringLiteral("%1:%2: %3").arg(file, QString::number(line), reason).toStdString())
     , file_(std::move(file))
     , line_(line)
     , reason_(std::move(reason)) {}
 
 QString RegParseError::message() const {
-    return QStringLiteral("%1, line %2: %3").arg(file_).arg(line_).arg(reason_);
+    return QStringLiteral("%1, line %2: %3").arg(file_, QString::number(line_), reason_);
 }
 
 bool isBlankRegFile(const QByteArray& bytes) {

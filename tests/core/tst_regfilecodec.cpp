@@ -109,6 +109,14 @@ private slots:
         QCOMPARE(summary(head + "\"a\"=qword:1\n"), "line 4");
         QCOMPARE(summary(head + "just text\n"), "line 4");
         QCOMPARE(summary("REGEDIT4\n\"a\"=\"1\"\n"), "line 2"); // value before any key
+        // The message shows the file's name as it is, whatever it holds.
+        try {
+            parseRegFile("Hello\n", "100%2 %1.reg");
+            QFAIL("a file without its header was read");
+        } catch (const RegParseError& e) {
+            QCOMPARE(e.message(), "100%2 %1.reg, line 1: " + e.reason());
+            QVERIFY(QString(e.what()).startsWith("100%2 %1.reg:1: "));
+        }
     }
 };
 

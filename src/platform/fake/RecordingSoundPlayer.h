@@ -10,10 +10,10 @@ namespace tarvo {
 class RecordingSoundPlayer : public SoundPlayer {
 public:
     void playSync(const QString& path) override {
-        log_ << QStringLiteral("sync %1 @%2").arg(path).arg(elapsed_);
+        log_ << QStringLiteral("sync %1 @%2").arg(path, QString::number(elapsed_));
     }
     void playAsync(const QString& path) override {
-        log_ << QStringLiteral("async %1 @%2").arg(path).arg(elapsed_);
+        log_ << QStringLiteral("async %1 @%2").arg(path, QString::number(elapsed_));
     }
     void beep() override {
         ++beeps_;
