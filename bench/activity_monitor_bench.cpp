@@ -16,6 +16,7 @@
 // the pointer moving inside it and letters typed into it, counted from the first event.
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/X11ActivityMonitor.h"
+#include "platform/linux/XkbStateFollower.h"
 
 #include <QCoreApplication>
 #include <QGuiApplication>
@@ -111,12 +112,15 @@ private:
 
 int runMonitor(int argc, char** argv, const char* display, int pollMs, bool everyEvent, bool gui) {
     // --gui: a whole Qt GUI application on the same display, as the program is, so that whatever Qt's own
-    // connection receives under the load counts too.
+    // connection receives under the load counts too; like the program, it lets Qt follow the keyboard
+    // only while it has the focus (which it never has here).
     std::unique_ptr<QCoreApplication> application;
+    std::unique_ptr<XkbStateFollower> keyboard;
     if (gui) {
         qputenv("DISPLAY", display);
         qputenv("QT_QPA_PLATFORM", "xcb");
         application = std::make_unique<QGuiApplication>(argc, argv);
+        keyboard = XkbStateFollower::attach();
     } else {
         application = std::make_unique<QCoreApplication>(argc, argv);
     }
