@@ -37,9 +37,6 @@ public:
     static std::unique_ptr<XkbStateFollower> attach();
     ~XkbStateFollower() override;
 
-    // Whether Qt follows the keyboard now (for tests).
-    bool following() const { return following_; }
-
     bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
 
 private:
