@@ -11,9 +11,12 @@
 // --every-event runs, for comparison, a monitor that keeps its events selected and stamps every one of
 // them: it shows what the load costs a design whose cost follows the input rate (and that the load
 // really reaches a client). --gui makes the child a Qt GUI application on the Xvfb (the xcb platform), as
-// the program is, so that anything Qt's own connection receives under the load is counted too.
+// the program is, so that anything Qt's own connection receives under the load is counted too. --desk
+// replaces the load with a user at the desk (generateDeskLoad): another client's window with the focus,
+// the pointer moving inside it and letters typed into it, counted from the first event.
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/X11ActivityMonitor.h"
+#include "platform/linux/XkbStateFollower.h"
 
 #include <QCoreApplication>
 #include <QGuiApplication>
@@ -55,6 +58,7 @@ struct Options {
     int keyHz = 10;
     bool everyEvent = false;
     bool gui = false;
+    bool desk = false;
 };
 
 [[noreturn]] void die(const std::string& what) {
@@ -108,12 +112,15 @@ private:
 
 int runMonitor(int argc, char** argv, const char* display, int pollMs, bool everyEvent, bool gui) {
     // --gui: a whole Qt GUI application on the same display, as the program is, so that whatever Qt's own
-    // connection receives under the load counts too.
+    // connection receives under the load counts too; like the program, it lets Qt follow the keyboard
+    // only while it has the focus (which it never has here).
     std::unique_ptr<QCoreApplication> application;
+    std::unique_ptr<XkbStateFollower> keyboard;
     if (gui) {
         qputenv("DISPLAY", display);
         qputenv("QT_QPA_PLATFORM", "xcb");
         application = std::make_unique<QGuiApplication>(argc, argv);
+        keyboard = XkbStateFollower::attach();
     } else {
         application = std::make_unique<QCoreApplication>(argc, argv);
     }
@@ -300,6 +307,59 @@ Load generateLoad(const std::string& display, const Options& options) {
     return load;
 }
 
+// A user at the desk, as another X client sees it: its own 800x600 window at 560,240 takes the input focus
+// (set by the client itself, as it is with no window manager), the pointer moves inside it and the
+// letters a to z are typed into it, one after the other, at the given rates. The client reads what the
+// server sends it, as any client must. Nothing comes before: the first input of the session is part of
+// the load, as it is on a desk.
+Load generateDeskLoad(const std::string& display, const Options& options) {
+    Display* x = XOpenDisplay(display.c_str());
+    if (!x)
+        die("cannot open " + display + " for XTEST");
+    constexpr int left = 560, top = 240, width = 800, height = 600;
+    const Window window =
+        XCreateSimpleWindow(x, DefaultRootWindow(x), left, top, width, height, 0,
+                            BlackPixel(x, DefaultScreen(x)), WhitePixel(x, DefaultScreen(x)));
+    XSelectInput(x, window,
+                 KeyPressMask | KeyReleaseMask | PointerMotionMask | FocusChangeMask | ExposureMask |
+                     StructureNotifyMask);
+    XMapWindow(x, window);
+    for (XEvent event; XWindowEvent(x, window, StructureNotifyMask, &event), event.type != MapNotify;) {
+    }
+    XSetInputFocus(x, window, RevertToParent, CurrentTime);
+    std::array<KeyCode, 26> letters{};
+    for (size_t i = 0; i < letters.size(); ++i)
+        letters[i] = XKeysymToKeycode(x, static_cast<KeySym>(XK_a + i));
+    // The pointer sweeps to and fro over a 200-pixel stretch well inside the window (and the screen).
+    const auto sweep = [](long long i) { return static_cast<int>(i % 400 < 200 ? i % 400 : 400 - i % 400); };
+    Load load;
+    const long long tickNs = 1000000000LL / options.motionHz;
+    const long long ticks = static_cast<long long>(options.seconds) * options.motionHz;
+    const long long ticksPerKey = options.keyHz > 0 ? options.motionHz / options.keyHz : 0;
+    timespec next;
+    clock_gettime(CLOCK_MONOTONIC, &next);
+    for (long long i = 0; i < ticks; ++i) {
+        XTestFakeMotionEvent(x, DefaultScreen(x), left + 100 + sweep(i), top + 200 + sweep(i / 7) / 2,
+                             CurrentTime);
+        ++load.motions;
+        if (ticksPerKey > 0 && i % ticksPerKey == 0) {
+            const KeyCode key = letters[static_cast<size_t>(load.keys % 26)];
+            XTestFakeKeyEvent(x, key, True, CurrentTime);
+            XTestFakeKeyEvent(x, key, False, CurrentTime);
+            ++load.keys;
+        }
+        XFlush(x);
+        for (XEvent event; XPending(x) > 0;)
+            XNextEvent(x, &event);
+        next = plusNs(next, tickNs);
+        sleepUntil(next);
+    }
+    XSync(x, False);
+    XDestroyWindow(x, window);
+    XCloseDisplay(x);
+    return load;
+}
+
 struct Figures {
     double cpuMsPerMinute;
     double wakeupsPerSecond;
@@ -336,9 +396,11 @@ Options parse(int argc, char** argv) {
             options.everyEvent = true;
         else if (a == "--gui")
             options.gui = true;
+        else if (a == "--desk")
+            options.desk = true;
         else
             die("usage: activity_monitor_bench [--seconds N] [--poll-ms N] [--motion-hz N] [--key-hz N] "
-                "[--every-event] [--gui]");
+                "[--every-event] [--gui] [--desk]");
     }
     if (options.seconds < 1 || options.pollMs < 1 || options.motionHz < 1 || options.keyHz < 0)
         die("the numbers must be positive");
@@ -354,7 +416,7 @@ int main(int argc, char** argv) {
         const std::string display = argv[2];
         argv[2] = argv[0];
         const Options options = parse(argc - 2, argv + 2);
-        const Load load = generateLoad(display, options);
+        const Load load = options.desk ? generateDeskLoad(display, options) : generateLoad(display, options);
         std::printf("%lld %lld\n", load.motions, load.keys);
         return 0;
     }
@@ -388,14 +450,19 @@ int main(int argc, char** argv) {
         die("the monitor did not start");
     // One key press and one motion before measuring, then a pause: the first input from a device that
     // has not been used yet makes every client with a keyboard map (Qt's own connection, with --gui)
-    // reload that map once. That is a one-off of the session, not a cost of the input rate.
-    warmUp(display);
-    std::this_thread::sleep_for(std::chrono::seconds(2));
+    // reload that map once. That is a one-off of the session, not a cost of the input rate. The desk
+    // load counts it, as a user's desk has it.
+    if (!options.desk) {
+        warmUp(display);
+        std::this_thread::sleep_for(std::chrono::seconds(2));
+    }
 
     const Figures idle =
         measure(monitor.pid, [&] { std::this_thread::sleep_for(std::chrono::seconds(options.seconds)); });
     Load load;
-    const Figures loaded = measure(monitor.pid, [&] { load = generateLoad(display, options); });
+    const Figures loaded = measure(monitor.pid, [&] {
+        load = options.desk ? generateDeskLoad(display, options) : generateLoad(display, options);
+    });
 
     close(monitor.in);
     const std::string summary = readLine(monitor.out);
@@ -407,9 +474,11 @@ int main(int argc, char** argv) {
                 options.everyEvent ? " (comparison: every event handled)" : "",
                 options.gui ? " in a Qt GUI application" : "", display.c_str(), options.pollMs,
                 options.seconds);
-    std::printf("load: %lld relative motions (%.0f/s) and %lld key presses (%.1f/s) through XTEST\n",
-                load.motions, load.motions / static_cast<double>(options.seconds), load.keys,
-                load.keys / static_cast<double>(options.seconds));
+    std::printf("load: %lld %s motions (%.0f/s) and %lld key presses (%.1f/s) through XTEST%s\n",
+                load.motions, options.desk ? "pointer" : "relative",
+                load.motions / static_cast<double>(options.seconds), load.keys,
+                load.keys / static_cast<double>(options.seconds),
+                options.desk ? ", into another client's window with the focus" : "");
     std::printf("%-8s %14s %12s\n", "", "CPU ms/min", "wakeups/s");
     std::printf("%-8s %14.2f %12.2f\n", "idle", idle.cpuMsPerMinute, idle.wakeupsPerSecond);
     std::printf("%-8s %14.2f %12.2f\n", "loaded", loaded.cpuMsPerMinute, loaded.wakeupsPerSecond);

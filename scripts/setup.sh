@@ -15,6 +15,7 @@ packages=(
     xvfb xdotool                                # X11 tests: a private X server and input through XTEST
     dbus-daemon                                 # idle-monitor tests: a private session bus
     trayer openbox x11-utils x11-xserver-utils  # X11 tests: tray host, window manager, xprop/xwininfo, xrandr
+    x11-xkb-utils                               # X11 tests: setxkbmap switches the keyboard layout
     libcanberra-dev libcanberra-pulse sound-theme-freedesktop # warning sounds, and the theme's "bell"
     pulseaudio pulseaudio-utils sox             # sound tests: a private server with a null sink, parec; sox to inspect recordings
     qt6-multimedia-dev                          # Qt Multimedia: the video helper tarvovideo plays the exercise videos with it

@@ -3,7 +3,6 @@
 #include <QGuiApplication>
 #include <QWindow>
 
-#include <cstdlib>
 #include <cstring>
 #define explicit explicit_ // the XKB header names a field "explicit"
 #include <xcb/xkb.h>
@@ -23,6 +22,7 @@ std::unique_ptr<XkbStateFollower> XkbStateFollower::attach() {
     if (xkb == nullptr || !xkb->present)
         return nullptr;
     std::unique_ptr<XkbStateFollower> follower(new XkbStateFollower(connection, xkb->first_event));
+    qGuiApp->installNativeEventFilter(follower.get());
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, follower.get(),
             [f = follower.get()](Qt::ApplicationState state) { f->follow(state == Qt::ApplicationActive); });
     follower->follow(QGuiApplication::applicationState() == Qt::ApplicationActive);
@@ -34,8 +34,22 @@ XkbStateFollower::XkbStateFollower(xcb_connection_t* connection, int firstEvent)
     , firstEvent_(firstEvent) {}
 
 XkbStateFollower::~XkbStateFollower() {
+    if (qGuiApp != nullptr)
+        qGuiApp->removeNativeEventFilter(this);
     // Qt's selection as it was, for whatever of the application outlives the platform.
     follow(true);
+}
+
+bool XkbStateFollower::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
+    if (following_ || eventType != "xcb_generic_event_t")
+        return false;
+    const auto* event = static_cast<const xcb_xkb_map_notify_event_t*>(message);
+    if ((event->response_type & 0x7f) != firstEvent_ ||
+        (event->xkbType != XCB_XKB_NEW_KEYBOARD_NOTIFY && event->xkbType != XCB_XKB_MAP_NOTIFY))
+        return false;
+    keymapChanged_ = true;
+    keyboard_ = event->deviceID; // the same place in both
+    return true;
 }
 
 void XkbStateFollower::follow(bool on) {
@@ -46,45 +60,24 @@ void XkbStateFollower::follow(bool on) {
     // Only the state notification is affected; on, every detail of it, as Qt selects it.
     xcb_xkb_select_events(connection_, XCB_XKB_ID_USE_CORE_KBD, state, on ? 0 : state, on ? state : 0, 0, 0,
                           nullptr);
-    if (!on) {
-        xcb_flush(connection_);
-        return;
-    }
     QWindow* window = QGuiApplication::focusWindow();
-    auto* reply = xcb_xkb_get_state_reply(connection_,
-                                          xcb_xkb_get_state(connection_, XCB_XKB_ID_USE_CORE_KBD), nullptr);
-    if (reply == nullptr || window == nullptr) {
-        std::free(reply);
-        xcb_flush(connection_);
-        return;
+    if (on && keymapChanged_ && window != nullptr) {
+        keymapChanged_ = false;
+        // A change of every part of the map, as the server would announce it; Qt loads the whole keymap
+        // on any. With no event mask the server hands the event to the client that made the window.
+        xcb_xkb_map_notify_event_t map;
+        std::memset(&map, 0, sizeof map);
+        map.response_type = static_cast<std::uint8_t>(firstEvent_);
+        map.xkbType = XCB_XKB_MAP_NOTIFY;
+        map.time = XCB_CURRENT_TIME;
+        map.deviceID = keyboard_;
+        map.changed = 0xff;
+        map.minKeyCode = xcb_get_setup(connection_)->min_keycode;
+        map.maxKeyCode = xcb_get_setup(connection_)->max_keycode;
+        static_assert(sizeof map == 32, "a core-sized event");
+        xcb_send_event(connection_, 0, static_cast<xcb_window_t>(window->winId()), 0,
+                       reinterpret_cast<const char*>(&map));
     }
-    // The state as a notification of every part changed, the form in which Qt takes it in.
-    xcb_xkb_state_notify_event_t event;
-    std::memset(&event, 0, sizeof event);
-    event.response_type = static_cast<std::uint8_t>(firstEvent_);
-    event.xkbType = XCB_XKB_STATE_NOTIFY;
-    event.time = XCB_CURRENT_TIME;
-    event.deviceID = reply->deviceID;
-    event.mods = reply->mods;
-    event.baseMods = reply->baseMods;
-    event.latchedMods = reply->latchedMods;
-    event.lockedMods = reply->lockedMods;
-    event.group = reply->group;
-    event.baseGroup = reply->baseGroup;
-    event.latchedGroup = reply->latchedGroup;
-    event.lockedGroup = reply->lockedGroup;
-    event.compatState = reply->compatState;
-    event.grabMods = reply->grabMods;
-    event.compatGrabMods = reply->compatGrabMods;
-    event.lookupMods = reply->lookupMods;
-    event.compatLoockupMods = reply->compatLookupMods;
-    event.ptrBtnState = reply->ptrBtnState;
-    event.changed = 0x3fff; // every part of the state
-    std::free(reply);
-    // With no event mask the server hands the event to the client that made the window: this program.
-    static_assert(sizeof event == 32, "a core-sized event");
-    xcb_send_event(connection_, 0, static_cast<xcb_window_t>(window->winId()), 0,
-                   reinterpret_cast<const char*>(&event));
     xcb_flush(connection_);
 }
 

@@ -1,40 +1,43 @@
 #pragma once
 
+#include <QAbstractNativeEventFilter>
 #include <QObject>
 
+#include <cstdint>
 #include <memory>
 
 struct xcb_connection_t;
 
 namespace tarvo {
 
-// Lets Qt follow the keyboard's state (modifiers and layout group) only while a window of the program
-// has the focus.
+// Lets Qt follow the keyboard (its state and its keymap) only while a window of the program has the
+// focus, the tray menu and a break screen included.
 //
-// Qt keeps its idea of the modifiers up to date from XKB state notifications, and the X server sends
-// those to every client that asked for them whatever window has the focus: each press and release of
-// Shift, anywhere on the desktop, woke the idle program twice (Qt's event reader thread and the main
-// thread) for a state that nothing of ours reads while the user types elsewhere. Mouse clicks carry
-// their own modifiers, so the tray icon needs none of it.
-//
-// So while the application is inactive the notifications are switched off on Qt's own connection
-// (keymap changes stay selected: they are rare and Qt must not miss one). When a window of ours takes
-// the focus they are switched on again, and the server's current state is handed to Qt as a
-// notification of its own (sent to a window of ours), so that a Shift released or a Caps Lock pressed
-// meanwhile is not taken for the state Qt saw last. Between reading that state and Qt receiving it, a
-// modifier change is still heard from the server in its own notification, at most a moment before
-// the copy; a key pressed within that moment is the only one that could be read with the earlier state.
+// Qt asks the X server for XKB notifications of the keyboard's state and keymap, and the server sends
+// them to every client that asked whatever window has the focus:
+// - State: each press and release of Shift, anywhere on the desktop, woke the idle program twice (Qt's
+//   event reader thread and the main thread). While the application is inactive the state
+//   notifications are switched off on Qt's own connection. Nothing is lost by it: Qt reads each key with
+//   the modifiers and layout group that the key event itself carries, and a modifier pressed once a
+//   window of ours has the focus brings the whole state with it.
+// - Keymap: the server announces a new keymap when the layout changes and also whenever the keys start
+//   coming from another keyboard (a second keyboard, or the XTEST device that input tools type
+//   through), and Qt answers each by loading the whole keymap anew, some twenty round trips to the
+//   server. That cannot be read from a key event, so the notifications stay selected, but while the
+//   application is inactive they are held back from Qt: the filter takes them and notes that the
+//   keymap changed. When a window of ours takes the focus, Qt is told to load the keymap, once, by a
+//   notification of its own sent to that window; it is back within a round trip to the server, and only
+//   a key pressed in that moment could still be read on the earlier keymap.
 //
 // Only on the xcb platform with XKB; elsewhere attach() returns nothing and Qt keeps its own selection.
-class XkbStateFollower : public QObject {
+class XkbStateFollower : public QObject, public QAbstractNativeEventFilter {
     Q_OBJECT
 
 public:
     static std::unique_ptr<XkbStateFollower> attach();
     ~XkbStateFollower() override;
 
-    // Whether the state notifications are selected now (for tests).
-    bool following() const { return following_; }
+    bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
 
 private:
     XkbStateFollower(xcb_connection_t* connection, int firstEvent);
@@ -43,6 +46,8 @@ private:
     xcb_connection_t* connection_;
     int firstEvent_;
     bool following_ = true; // as Qt left it
+    bool keymapChanged_ = false;
+    std::uint8_t keyboard_ = 0; // the device the held-back notifications were about
 };
 
 } // namespace tarvo

@@ -5,6 +5,7 @@
 #include <QDBusMessage>
 #include <QObject>
 
+#include <algorithm>
 #include <map>
 
 // GNOME's idle monitor as its clients see it, on its own connection to a test's bus, with the user's
@@ -30,15 +31,13 @@ public:
     // The user's doings.
     void input() {
         idle_ = 0;
-        for (auto it = watches_.begin(); it != watches_.end();) {
-            it->second.fired = false;
-            if (it->second.interval == 0) {
-                fire(it->first, it->second.owner);
-                it = watches_.erase(it);
-            } else {
-                ++it;
-            }
-        }
+        std::erase_if(watches_, [this](const auto& watch) {
+            if (watch.second.interval == 0)
+                fire(watch.first, watch.second.owner);
+            return watch.second.interval == 0;
+        });
+        for (auto& [id, watch] : watches_)
+            watch.fired = false;
     }
     void idleFor(quint64 milliseconds) {
         idle_ += milliseconds;
@@ -51,10 +50,8 @@ public:
 
     // The watches in place: idle watches and user-active ones; and the firings sent.
     int watches(bool idle) const {
-        int n = 0;
-        for (const auto& [id, watch] : watches_)
-            n += (watch.interval != 0) == idle ? 1 : 0;
-        return n;
+        return int(std::count_if(watches_.begin(), watches_.end(),
+                                 [idle](const auto& watch) { return (watch.second.interval != 0) == idle; }));
     }
     int firings() const { return firings_; }
     quint64 idle() const { return idle_; }
@@ -83,11 +80,10 @@ private:
         return lastId_;
     }
     void fire(quint32 id, const QString& owner) {
-        QDBusMessage signal = QDBusMessage::createTargetedSignal(
-            owner, QStringLiteral("/org/gnome/Mutter/IdleMonitor/Core"),
-            QStringLiteral("org.gnome.Mutter.IdleMonitor"), QStringLiteral("WatchFired"));
-        signal << id;
-        bus_.send(signal);
+        bus_.send(QDBusMessage::createTargetedSignal(
+                      owner, QStringLiteral("/org/gnome/Mutter/IdleMonitor/Core"),
+                      QStringLiteral("org.gnome.Mutter.IdleMonitor"), QStringLiteral("WatchFired"))
+                  << id);
         ++firings_;
     }
 

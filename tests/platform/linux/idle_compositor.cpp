@@ -9,7 +9,7 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <iostream>
 #include <list>
 #include <string>
 #include <unistd.h>
@@ -26,7 +26,6 @@ struct Notification {
 
 std::list<Notification> notifications;
 int sent = 0;
-std::string pending; // what arrived on standard input short of a whole line
 
 void destroyResource(wl_client*, wl_resource* resource) {
     wl_resource_destroy(resource);
@@ -45,74 +44,57 @@ void getIdleNotification(wl_client* client, wl_resource* notifier, std::uint32_t
 }
 
 const struct ext_idle_notifier_v1_interface notifierRequests = {destroyResource, getIdleNotification};
-
-void bindNotifier(wl_client* client, void*, std::uint32_t version, std::uint32_t id) {
-    wl_resource* resource = wl_resource_create(client, &ext_idle_notifier_v1_interface, int(version), id);
-    wl_resource_set_implementation(resource, &notifierRequests, nullptr, nullptr);
-}
-
 // The seat has no devices; it is there to name in get_idle_notification.
 void noDevice(wl_client*, wl_resource*, std::uint32_t) {}
 const struct wl_seat_interface seatRequests = {noDevice, noDevice, noDevice, destroyResource};
 
-void bindSeat(wl_client* client, void*, std::uint32_t version, std::uint32_t id) {
-    wl_resource* resource = wl_resource_create(client, &wl_seat_interface, int(version), id);
-    wl_resource_set_implementation(resource, &seatRequests, nullptr, nullptr);
-    wl_seat_send_capabilities(resource, 0);
+struct Global {
+    const wl_interface* interface;
+    const void* requests;
+};
+const Global seat{&wl_seat_interface, &seatRequests};
+const Global notifier{&ext_idle_notifier_v1_interface, &notifierRequests};
+
+void bind(wl_client* client, void* data, std::uint32_t version, std::uint32_t id) {
+    const auto* global = static_cast<const Global*>(data);
+    wl_resource* resource = wl_resource_create(client, global->interface, int(version), id);
+    wl_resource_set_implementation(resource, global->requests, nullptr, nullptr);
+    if (global == &seat)
+        wl_seat_send_capabilities(resource, 0);
 }
 
-void command(const std::string& line) {
-    if (line == "input") {
-        for (Notification& n : notifications) {
-            n.idleFor = 0;
-            if (n.idle) {
-                n.idle = false;
-                ext_idle_notification_v1_send_resumed(n.resource);
-                ++sent;
-            }
-        }
-    } else if (line.rfind("idle ", 0) == 0) {
-        const std::uint64_t milliseconds = std::strtoull(line.c_str() + 5, nullptr, 10);
-        for (Notification& n : notifications) {
-            n.idleFor += milliseconds;
-            if (!n.idle && n.idleFor >= n.timeout) {
-                n.idle = true;
-                ext_idle_notification_v1_send_idled(n.resource);
-                ++sent;
-            }
-        }
-    }
-}
-
-int readCommands(int fd, std::uint32_t, void* data) {
-    auto* display = static_cast<wl_display*>(data);
-    char buffer[256];
-    const ssize_t n = read(fd, buffer, sizeof buffer);
-    if (n <= 0) { // the test has ended
-        wl_display_terminate(display);
+int readCommand(int, std::uint32_t, void* display) {
+    std::string line;
+    if (!std::getline(std::cin, line)) { // the test has ended
+        wl_display_terminate(static_cast<wl_display*>(display));
         return 0;
     }
-    pending.append(buffer, std::size_t(n));
-    for (std::size_t end; (end = pending.find('\n')) != std::string::npos; pending.erase(0, end + 1)) {
-        command(pending.substr(0, end));
-        wl_display_flush_clients(display);
-        std::printf("%d %zu\n", sent, notifications.size());
-        std::fflush(stdout);
+    const bool input = line == "input";
+    const std::uint64_t milliseconds = input ? 0 : std::strtoull(line.c_str() + 5, nullptr, 10);
+    for (Notification& n : notifications) {
+        n.idleFor = input ? 0 : n.idleFor + milliseconds;
+        if (const bool idle = !input && n.idleFor >= n.timeout; idle != n.idle) {
+            n.idle = idle;
+            idle ? ext_idle_notification_v1_send_idled(n.resource)
+                 : ext_idle_notification_v1_send_resumed(n.resource);
+            ++sent;
+        }
     }
+    wl_display_flush_clients(static_cast<wl_display*>(display));
+    std::printf("%d %zu\n", sent, notifications.size());
+    std::fflush(stdout);
     return 0;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2)
-        return 2;
     wl_display* display = wl_display_create();
-    if (!display || wl_display_add_socket(display, argv[1]) != 0)
+    if (argc != 2 || !display || wl_display_add_socket(display, argv[1]) != 0)
         return 1;
-    wl_global_create(display, &wl_seat_interface, 1, nullptr, bindSeat);
-    wl_global_create(display, &ext_idle_notifier_v1_interface, 1, nullptr, bindNotifier);
-    wl_event_loop_add_fd(wl_display_get_event_loop(display), STDIN_FILENO, WL_EVENT_READABLE, readCommands,
+    wl_global_create(display, &wl_seat_interface, 1, const_cast<Global*>(&seat), bind);
+    wl_global_create(display, &ext_idle_notifier_v1_interface, 1, const_cast<Global*>(&notifier), bind);
+    wl_event_loop_add_fd(wl_display_get_event_loop(display), STDIN_FILENO, WL_EVENT_READABLE, readCommand,
                          display);
     std::puts("ready");
     std::fflush(stdout);
