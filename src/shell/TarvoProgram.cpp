@@ -74,10 +74,6 @@ void TarvoProgram::startRunning() {
     menu_ = std::make_unique<TrayMenu>(ctx_.settings, actions);
     hook_ = std::make_unique<TrayHook>(shell_.tray, *menu_, actions, TrayHook::screenTwipsPerPixelX());
     running_ = true;
-    // Ten seconds: the icon docks and paints within a fraction of one, even on a slow start.
-    settled_ = ctx_.timers.createTimer(*this);
-    settled_->setInterval(10000);
-    settled_->setEnabled(true);
     if (auto* version = form_->findChild<QLabel*>(QStringLiteral("lblVersion")))
         version->setText(QLatin1String(kVersionText));
 
@@ -137,11 +133,6 @@ void TarvoProgram::Form_Unload() {
     if (settingsForm_)
         settingsForm_->hide();
     shell_.instance.release();
-}
-
-void TarvoProgram::timerTick(Timer& timer) {
-    timer.setEnabled(false);
-    shell_.releaseFreedMemory();
 }
 
 void TarvoProgram::schemeRead(const QString& scheme) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/Timer.h"
 #include "options/frmSettings.h"
 #include "settings/SettingsPort.h"
 #include "shell/TrayActions.h"
@@ -33,18 +32,14 @@ struct ShellContext {
     ProcessRunner& processes;
     QString commandLine; // the arguments joined by single blanks
     QString windir;      // the "windir" environment variable (normally unset here)
-    // Lets go of memory the idle program does not need: once start-up has settled, and after each
-    // exercise break.
+    // Gives the heap's free memory back to the system after each exercise break.
     std::function<void()> releaseFreedMemory = [] {};
 };
 
 // The program's life: start-up (Form_Load), first-run initialisation and shut-down (Form_Unload), and
 // the one place where the subsystems are put together: the engine with its main form, the tray icon
 // with its menu, and what the menu's items do.
-class TarvoProgram : private SettingsPort,
-                     private TrayActions,
-                     private frmSettings::Neighbours,
-                     private Timer::Listener {
+class TarvoProgram : private SettingsPort, private TrayActions, private frmSettings::Neighbours {
 public:
     TarvoProgram(AppContext& context, ShellContext shell, QIcon icon);
     ~TarvoProgram() override;
@@ -87,9 +82,6 @@ private:
     void warningChanged(const QString& warning) override;
     void chooseSound(int index, QWidget* parent) override;
 
-    // The one tick of settled_, some seconds after start-up.
-    void timerTick(Timer& timer) override;
-
     AppContext& ctx_;
     ShellContext shell_;
     QIcon icon_;
@@ -101,9 +93,6 @@ private:
     std::unique_ptr<TrayHook> hook_;
     std::unique_ptr<frmAboutKelmar> about_;
     std::unique_ptr<frmSettings> settingsForm_; // made at its first opening
-    // Start-up has settled once the icon docked and the first paint is done: the pages of start-up's
-    // code and tables are no longer needed then.
-    std::unique_ptr<Timer> settled_;
     bool running_ = false;
 };
 

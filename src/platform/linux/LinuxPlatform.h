@@ -32,10 +32,8 @@ std::unique_ptr<RegistryStore> openUserStore();
 // nothing else, and no display.
 std::unique_ptr<SingleInstance> createSingleInstance();
 
-// Hands the memory that the allocator holds free back to the system, and lets go of the pages of the
-// program's and libraries' files that were only read (see ResidentPages.h): once start-up has settled,
-// and after a break, whose windows and pictures leave the heap with free pages that it would otherwise
-// keep for the whole run.
+// Hands the memory that the allocator holds free back to the system: after an exercise break, whose
+// windows and pictures leave the heap with free pages that it would otherwise keep for the whole run.
 void releaseFreedMemory();
 
 // The whole of the video helper program, tarvovideo, that plays the exercise videos for MediaCommands.
