@@ -1,5 +1,6 @@
 #include "micropause/frmTarvo.h"
 
+#include "core/ProgramInfo.h"
 #include "engine/BreakEngine.h"
 #include "micropause/BreakLayout.h"
 #include "micropause/PictureBox.h"
@@ -53,6 +54,7 @@ frmTarvo::frmTarvo(QWidget* parent)
     bar_.setBackColor(kBarTrack);
     connect(ui->picPB, &PictureBox::Resize, this, [this] { bar_.ResizeEx(); });
     applyBreakLayout(designedBreakLayout(), false);
+    ui->lblVersion->setText(QLatin1String(kVersionText));
 }
 
 frmTarvo::~frmTarvo() = default;
@@ -166,16 +168,6 @@ void frmTarvo::dismissBreak() {
     ui->cmdOK->show();
     ui->lblESC->hide();
     adjustSize();
-    // A hidden window keeps its backing store, as large as the screen after a blanked break, for
-    // the rest of the run. It goes once the event that ended the break is done with the window; the
-    // next break or the status panel creates it anew.
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            if (!isVisible() && testAttribute(Qt::WA_WState_Created))
-                destroy();
-        },
-        Qt::QueuedConnection);
 }
 
 void frmTarvo::escapeOnCover() {

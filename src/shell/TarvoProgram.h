@@ -15,6 +15,7 @@ namespace tarvo {
 struct AppContext;
 class BreakEngine;
 class ExerciseScreens;
+class MainForm;
 class ProcessRunner;
 class SingleInstance;
 class TrayHook;
@@ -23,7 +24,6 @@ class TrayMenu;
 class WarningSounds;
 class frmAboutKelmar;
 class frmSettings;
-class frmTarvo;
 
 // The seams that only start-up, shut-down and the tray use, and what the program was started with.
 struct ShellContext {
@@ -55,7 +55,7 @@ public:
     // Imports the shipped defaults and renders the built-in media, once per user.
     void FirstTimeInitialise();
 
-    frmTarvo& form() { return *form_; }
+    MainForm& mainForm() { return *mainForm_; }
     BreakEngine& engine() { return *engine_; }
     ExerciseScreens& exerciseScreens() { return *exerciseScreens_; }
     TrayMenu& menu() { return *menu_; }
@@ -86,7 +86,7 @@ private:
     ShellContext shell_;
     QIcon icon_;
     std::unique_ptr<WarningSounds> warnings_;
-    std::unique_ptr<frmTarvo> form_;
+    std::unique_ptr<MainForm> mainForm_;
     std::unique_ptr<ExerciseScreens> exerciseScreens_;
     std::unique_ptr<BreakEngine> engine_;
     std::unique_ptr<TrayMenu> menu_;

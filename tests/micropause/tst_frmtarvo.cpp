@@ -1,10 +1,12 @@
-// The main form as the engine's view: its labels show what the scheduler wrote, the break screen
-// shows and hides its parts, the countdown bar is drawn, and Esc and the hint reach the engine. And the
-// countdown bar on its own, checked on what its canvas shows: columns counted by colour in the retained
-// image.
+// The main form as the engine's view: loaded only while it is shown, its labels show what the
+// scheduler wrote meanwhile, the break screen shows and hides its parts, the countdown bar is drawn,
+// and Esc and the hint reach the engine. And the countdown bar on its own, checked on what its canvas
+// shows: columns counted by colour in the retained image.
+#include "core/ProgramInfo.h"
 #include "core/RuntimeError.h"
 #include "engine/BreakEngine.h"
 #include "micropause/CProgressBar.h"
+#include "micropause/MainForm.h"
 #include "micropause/PictureBox.h"
 #include "micropause/frmTarvo.h"
 #include "support/FakeContext.h"
@@ -44,14 +46,19 @@ int litColumns(const PictureBox* canvas) {
 // The main form and its engine on simulated time.
 struct FormRig : FakeContext {
     QuietViews elsewhere; // what is heard, and the exercise breaks: the engine's and their own tests
-    frmTarvo form;
-    BreakEngine engine{ctx, form, elsewhere, elsewhere};
+    MainForm main;
+    BreakEngine engine{ctx, main, elsewhere, elsewhere};
+    int unloads = 0;
 
-    FormRig() { form.attach(engine); }
+    FormRig() {
+        main.attach(engine);
+        main.setAfterUnload([this] { ++unloads; });
+    }
     template <typename T>
     T* child(const char* name) {
-        return form.findChild<T*>(QLatin1String(name));
+        return main.form()->findChild<T*>(QLatin1String(name));
     }
+    QString text(const char* label) { return child<QLabel>(label)->text(); }
 };
 
 void expectError(const std::function<void()>& action, std::int32_t number, const char* description,
@@ -97,106 +104,112 @@ class TestFrmTarvo : public QObject {
     Q_OBJECT
 
 private slots:
+    // Nothing is loaded until the status panel is shown, with what the engine wrote meanwhile; OK
+    // hides it, and it is unloaded.
     void statusPanel() {
         FormRig rig;
         rig.ctx.record.EveryM = 2;
-        QVERIFY(!rig.form.isVisible() && rig.child<QLabel>("lbltarvo"));
         rig.engine.scheduler().SetTimers();
-        QCOMPARE(rig.child<QLabel>("lblExercise")->text(), "Next Exercise Break: 1 minutes");
-        QCOMPARE(rig.child<QLabel>("lblActivity")->text(), "Activity: made up by the test");
         rig.timeline.advance(15000); // an idle user
-        QCOMPARE(rig.child<QLabel>("lblvoluntary")->text(), "Last natural micropause: 09:00");
-
-        rig.form.show();
+        QVERIFY(!rig.main.form());
+        rig.main.showStatus();
+        QVERIFY(rig.main.form()->isVisible());
+        QCOMPARE(rig.text("lblVersion"), QLatin1String(kVersionText));
+        QCOMPARE(rig.text("lblExercise"), "Next Exercise Break: 1 minutes");
+        QCOMPARE(rig.text("lblActivity"), "Activity: made up by the test");
+        QCOMPARE(rig.text("lblvoluntary"), "Last natural micropause: 09:00");
         QTest::mouseClick(rig.child<QPushButton>("cmdOK"), Qt::LeftButton);
-        QVERIFY(!rig.form.isVisible());
+        QTRY_VERIFY(!rig.main.form());
+        QCOMPARE(rig.unloads, 1);
     }
 
     void theBreakScreen() {
         FormRig rig;
         SettingsRecord& settings = rig.ctx.record;
         settings.InterruptFor = 2;
-        frmTarvo& form = rig.form;
-        form.setWarning("Hands off Keyboard && Mouse, look away, relax.");
-        auto* lblESC = rig.child<QLabel>("lblESC");
-        auto* picPB = rig.child<PictureBox>("picPB");
-        auto* picBlack = rig.child<QWidget>("picBlack");
-        auto* cmdOK = rig.child<QPushButton>("cmdOK");
-        QCOMPARE(rig.child<QLabel>("lblWarning")->text(), "Hands off Keyboard & Mouse, look away, relax.");
+        rig.main.setWarning("Hands off Keyboard && Mouse, look away, relax.");
         rig.engine.scheduler().SetTimers();
 
         // Blanked: full screen, the panel centred, the hint shown, the bar counting.
         rig.engine.micropause().TarvoMicropause();
-        QVERIFY(form.isVisible() && picPB->isVisible() && lblESC->isVisible() && !cmdOK->isVisible());
-        QVERIFY(form.windowFlags() & Qt::WindowStaysOnTopHint); // full screen: the end-to-end test
-        QCOMPARE(picBlack->geometry().center(), form.rect().center());
+        frmTarvo* form = rig.main.form();
+        auto* picPB = rig.child<PictureBox>("picPB");
+        QCOMPARE(rig.text("lblWarning"), "Hands off Keyboard & Mouse, look away, relax.");
+        QVERIFY(form->isVisible() && picPB->isVisible() && rig.child<QLabel>("lblESC")->isVisible() &&
+                !rig.child<QPushButton>("cmdOK")->isVisible());
+        QVERIFY(form->windowFlags() & Qt::WindowStaysOnTopHint); // full screen: the end-to-end test
+        QCOMPARE(rig.child<QWidget>("picBlack")->geometry().center(), form->rect().center());
         rig.timeline.advance(1000);
         QVERIFY(picPB->ScaleWidth() > 0);
         QCOMPARE(litColumns(picPB), (11 * picPB->ScaleWidth() + 10) / 20); // 11 of 20 steps
 
-        // The Esc key reaches the engine, which ends the break on the next tick.
-        QTest::keyClick(&form, Qt::Key_Escape);
+        // The Esc key reaches the engine, which ends the break on the next tick; then the form goes.
+        QTest::keyClick(form, Qt::Key_Escape);
         rig.timeline.advance(100);
-        QVERIFY(!form.isVisible());
-        QVERIFY(cmdOK->isVisibleTo(&form) && !lblESC->isVisibleTo(&form) && !picPB->isVisibleTo(&form));
-        QCOMPARE(rig.child<QLabel>("lbltarvo")->text(), "Last tarvo micropause: 09:00");
-        QVERIFY(!(form.windowFlags() & Qt::WindowStaysOnTopHint));
-        // The hidden screen gives its window, with a backing store as large as the screen, back.
-        QTRY_VERIFY(!form.testAttribute(Qt::WA_WState_Created));
+        QVERIFY(!form->isVisible());
+        QTRY_VERIFY(!rig.main.form());
 
         // At its own size the panel is the window; a double click on the hint ends the break too.
         settings.Blank = 0;
         rig.engine.micropause().TarvoMicropause();
-        QVERIFY(!(form.windowState() & Qt::WindowFullScreen));
-        QCOMPARE(form.size(), picBlack->size());
-        QTest::mouseDClick(lblESC, Qt::LeftButton);
+        form = rig.main.form();
+        QCOMPARE(rig.text("lbltarvo"), "Last tarvo micropause: 09:00"); // written while unloaded
+        QVERIFY(!(form->windowState() & Qt::WindowFullScreen));
+        QCOMPARE(form->size(), rig.child<QWidget>("picBlack")->size());
+        QTest::mouseDClick(rig.child<QLabel>("lblESC"), Qt::LeftButton);
         rig.timeline.advance(100);
-        QVERIFY(!form.isVisible());
+        QTRY_VERIFY(!rig.main.form());
 
-        // Esc disabled: no hint. Minimising the break screen hides it; the break runs to its end.
+        // Esc disabled: no hint. Minimising the break screen hides it; the break runs to its end in the
+        // form, which stays loaded till then.
         settings.DisableEsc = 1;
         rig.engine.micropause().TarvoMicropause();
-        QVERIFY(!lblESC->isVisible());
-        form.setWindowState(Qt::WindowMinimized);
-        QVERIFY(!form.isVisible());
+        form = rig.main.form();
+        QVERIFY(!rig.child<QLabel>("lblESC")->isVisible());
+        form->setWindowState(Qt::WindowMinimized);
+        QVERIFY(!form->isVisible());
+        QTest::qWait(10);
+        QCOMPARE(rig.main.form(), form);
         rig.timeline.advance(2000);
         QVERIFY(!rig.ctx.schedule.InMicropause);
+        QTRY_VERIFY(!rig.main.form());
+
+        // A break of 0 seconds asks the bar for a maximum of 0, which it refuses with its own error
+        // before anything is shown.
+        settings.InterruptFor = 0;
+        const auto e = raised<RuntimeError>([&] { rig.engine.micropause().TarvoMicropause(); });
+        QVERIFY(e && e->number() == vberr::objectError(3));
+        QVERIFY(!rig.ctx.schedule.InMicropause && !rig.engine.tSeconds().isEnabled());
+        QVERIFY(!rig.main.form()->isVisible());
+        QTRY_VERIFY(!rig.main.form());
+        QCOMPARE(rig.unloads, 4);
     }
 
-    // A break over the open status panel is frameless and on top all the same; a second blanked break
-    // while one runs covers the other screen once; a break at its own size does not hold the keyboard.
+    // A break over the open status panel turns it into the break screen, frameless and on top; a
+    // second blanked break while one runs covers the other screen once; a break at its own size does
+    // not hold the keyboard.
     void aBreakOverWhatWasOpen() {
         FormRig rig;
-        frmTarvo& form = rig.form;
         rig.engine.scheduler().SetTimers();
-        form.show(); // "Status..."
-        QVERIFY(QTest::qWaitForWindowExposed(&form));
+        rig.main.showStatus();
+        frmTarvo* form = rig.main.form();
+        QVERIFY(QTest::qWaitForWindowExposed(form));
         for (int i = 0; i < 2; ++i)
             rig.engine.micropause().TarvoMicropause();
-        QVERIFY(form.isVisible() && form.windowFlags().testFlag(Qt::FramelessWindowHint) &&
-                form.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+        QTest::qWait(10);
+        QCOMPARE(rig.main.form(), form);
+        QVERIFY(form->isVisible() && form->windowFlags().testFlag(Qt::FramelessWindowHint) &&
+                form->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
         QCOMPARE(coversShown(), 1);
-        QCOMPARE(QWidget::keyboardGrabber(), &form);
-        QTest::keyClick(&form, Qt::Key_Escape);
+        QCOMPARE(QWidget::keyboardGrabber(), form);
+        QTest::keyClick(form, Qt::Key_Escape);
         rig.timeline.advance(100);
         QCOMPARE(coversShown(), 0);
         QVERIFY(!QWidget::keyboardGrabber());
 
         rig.ctx.record.Blank = 0;
         rig.engine.micropause().TarvoMicropause();
-        QVERIFY(form.isVisible() && !QWidget::keyboardGrabber());
-    }
-
-    // A break of 0 seconds asks the form's bar for a maximum of 0, which it refuses with its own error
-    // before anything is shown.
-    void aZeroLengthIsTheBarsError() {
-        FormRig rig;
-        rig.ctx.record.InterruptFor = 0;
-        rig.engine.scheduler().SetTimers();
-        const auto e = raised<RuntimeError>([&] { rig.engine.micropause().TarvoMicropause(); });
-        QVERIFY(e && e->number() == vberr::objectError(3));
-        QVERIFY(!rig.ctx.schedule.InMicropause && !rig.engine.tSeconds().isEnabled());
-        QVERIFY(!rig.form.isVisible());
+        QVERIFY(rig.main.form()->isVisible() && !QWidget::keyboardGrabber());
     }
 
 private slots:

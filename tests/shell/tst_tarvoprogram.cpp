@@ -7,6 +7,7 @@
 #include "core/Timer.h"
 #include "engine/BreakEngine.h"
 #include "engine/SchemeStore.h"
+#include "micropause/MainForm.h"
 #include "micropause/frmTarvo.h"
 #include "platform/fake/FakeSingleInstance.h"
 #include "platform/fake/FakeTrayIcon.h"
@@ -130,7 +131,7 @@ private slots:
         QVERIFY(rig.program.engine().tMinutes().isEnabled() && rig.program.engine().tSeconds().isEnabled());
         QCOMPARE(rig.ctx.schedule.MinutesToMicropause, 7);
         QCOMPARE(rig.ctx.schedule.LastActivityTimes, (std::array<std::int32_t, 2>{1000, 1000}));
-        QVERIFY(rig.tray.added() && !rig.program.form().isVisible());
+        QVERIFY(rig.tray.added() && !rig.program.mainForm().form());
         QCOMPARE(rig.ctx.exercises.CurrentScheme, "*Medium break");
         QCOMPARE(rig.program.engine().exercise().ExercisesPerBreak, 6); // "NumAtaTime" at start-up
 
@@ -142,7 +143,7 @@ private slots:
             menu.findChild<QAction*>("mnuDemoMicropause")->trigger();
         };
         rig.tray.deliver(0x205);
-        QVERIFY(rig.program.form().isVisible() && rig.ctx.schedule.InMicropause);
+        QVERIFY(rig.program.mainForm().form()->isVisible() && rig.ctx.schedule.InMicropause);
         QVERIFY(rig.instance.deliverKeyDown(0));
         QCOMPARE(rig.tray.popUps().size(), size_t(2));
         // "&Exercise Now!": the exercise warning, then a break with "NumAtaTime" read afresh (the
