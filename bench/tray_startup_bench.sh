@@ -1,11 +1,18 @@
 #!/usr/bin/env bash
 # Measures the running program under Xvfb with trayer, from a fresh profile: time from exec to the
-# tray icon docking (on a warm X server, after one start that takes the first-run import), PSS of the
-# process after 15 s, CPU time and voluntary context switches over 60 s with no input, and the same
-# over 30 s of heavy input to other windows (1000 mouse motions and 10 keys a second through XTEST, every
-# other key with Shift), reported per minute and second and as the part above idle.
-#   bench/tray_startup_bench.sh [program folder]      (default: build/bin)
+# tray icon docking (on a warm X server, after one start that takes the first-run import); memory at
+# idle after start-up, after a micropause and after an exercise break, beside a bare Qt Widgets
+# program with a tray icon (bare_tray) measured the same way in the same run; CPU time and voluntary
+# context switches over 60 s with no input, and the same over 30 s of heavy input to other windows
+# (1000 mouse motions and 10 keys a second through XTEST, every other key with Shift), reported per
+# minute and second and as the part above idle.
+#
+# Memory is given as two figures that only what the machine really spends can move: PSS, and private
+# dirty memory (Private_Dirty + Swap of /proc/PID/smaps_rollup), each summed over the program and the
+# helpers it has running. RUNS starts (5 by default) give each figure; the median is reported.
+#   [RUNS=5] bench/tray_startup_bench.sh [program folder]      (default: build/bin)
 set -euo pipefail
+runs=${RUNS:-5}
 bin=$(cd "${1:-$(dirname "$0")/../build/bin}" && pwd)
 # The scratch folder $work, the processes in $pids that end with the script, wait_for.
 source "$(dirname "$0")/../tests/e2e/lib.sh"
@@ -24,7 +31,9 @@ eval "$(dbus-daemon --session --fork --print-address=1 --print-pid=1 --nopidfile
     { read -r a && read -r p && echo "export DBUS_SESSION_BUS_ADDRESS=$a; pids+=($p)"; })"
 
 panel=$(xdotool search --onlyvisible --class trayer | head -n 1)
-dock_time=$(cd "$(dirname "$0")/../build/bench" && pwd)/dock_time
+benches=$(cd "$(dirname "$0")/../build/bench" && pwd)
+dock_time=$benches/dock_time
+median_of() { printf '%s\n' "$@" | sort -n | sed -n "$((($# + 1) / 2))p"; }
 
 run_until_docked() { # starts tarvo, prints ms from exec until its icon docked; sets tarvo_pid
     local ms
@@ -39,18 +48,110 @@ first=$(cat "$work/first")
 "$bin/tarvo" shutdown
 sleep 1
 times=()
-for _ in 1 2 3 4 5; do
+for _ in $(seq "$runs"); do
     run_until_docked >"$work/ms"
     times+=("$(cat "$work/ms")")
     "$bin/tarvo" shutdown
     sleep 0.5
 done
-median=$(printf '%s\n' "${times[@]}" | sort -n | sed -n 3p)
+median=$(median_of "${times[@]}")
+
+# --- memory -------------------------------------------------------------------------------------------
+# The PSS and the private dirty memory (Private_Dirty + Swap) of a process and its helpers alive, in
+# KiB: sets $pss and $dirty.
+measure() { # <pid>
+    kill -0 "$1" 2>/dev/null || fail "process $1 ended before its memory was measured"
+    read -r pss dirty < <(for p in "$1" $(pgrep -P "$1"); do cat "/proc/$p/smaps_rollup" 2>/dev/null || true; done |
+        awk '/^Pss:/{pss += $2} /^(Private_Dirty|Swap):/{dirty += $2} END{print pss + 0, dirty + 0}')
+}
+# A process that has ended leaves $pids, so that the clean-up at the end cannot hit another one that
+# was given its number since.
+ended() { # <pid>
+    local p kept=()
+    wait_for 100 sh -c "! kill -0 $1 2>/dev/null" || fail "process $1 did not end"
+    for p in "${pids[@]}"; do [ "$p" = "$1" ] || kept+=("$p"); done
+    pids=("${kept[@]}")
+}
+settle=10 # seconds after each step before its figures are taken
+idle_windows() { [ "$(shown)" -le "$idle_shown" ]; }
+exercise_break_over() { idle_windows && ! pgrep -P "$tarvo" -x tarvovideo >/dev/null; }
+# A fresh profile with the defaults imported and the given settings on top.
+fresh_profile() { # <.reg lines>...
+    rm -rf "$XDG_CONFIG_HOME"
+    "$bin/regedit" /s "$bin/tarvo32.reg"
+    { echo REGEDIT4; printf '%s\n' '[Options]' '"Initialised"="1"' "$@"; } |
+        sed 's|^\[|[HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\Tarvo Micropause\\|' >"$work/profile.reg"
+    "$bin/regedit" /s "$work/profile.reg"
+}
+# The pages of a program file written a moment ago count as the process's dirty memory until the
+# kernel has written them back.
+sync
+# A micropause of 3 s, and an exercise break of three exercises: the opening title (a video), a picture
+# and a video of 2 s each; the break ends by itself, and the video helper with it.
+bench_settings=("[Micropause]" '"InterruptFor"="3"' "[Exercise]" '"Scheme"="Bench"' '"NumAtaTime"="3"'
+    '[Schemes]' '"Num"="4"' '"4"="Bench"' '[SchemeBench]' '"Num"="2"'
+    '"1"="lookfar.bmp"' '"1d"="Look far"' '"1y"="1"' '"1s"="2"' '"2"="breathe.avi"' '"2d"="Breathe"' '"2y"="1"' '"2s"="2"')
+bare=() bare_dirty=() idle=() idle_dirty=() micro=() micro_dirty=() exercise=() exercise_dirty=()
+for _ in $(seq "$runs"); do
+    read -r _ bare_pid < <("$dock_time" "$panel" "$benches/bare_tray" 2>/dev/null)
+    pids+=("$bare_pid")
+    sleep "$settle"
+    measure "$bare_pid"
+    bare+=("$pss") bare_dirty+=("$dirty")
+    kill "$bare_pid"
+    ended "$bare_pid"
+
+    fresh_profile "${bench_settings[@]}"
+    run_until_docked >/dev/null
+    tarvo=$tarvo_pid
+    pids+=("$tarvo")
+    idle_shown=$(shown)
+    sleep "$settle"
+    measure "$tarvo"
+    idle+=("$pss") idle_dirty+=("$dirty")
+
+    micropause_now
+    ended "${pids[-1]}" # the second start that popped the menu up
+    wait_for 200 sh -c "! xdotool search --onlyvisible --name '^Tarvo Micropause\$'" || fail "the micropause did not end"
+    sleep "$settle"
+    measure "$tarvo"
+    micro+=("$pss") micro_dirty+=("$dirty")
+
+    menu_key e
+    ended "${pids[-1]}"
+    wait_for 300 pgrep -P "$tarvo" -x tarvovideo || fail "\"Exercise Now!\" started no video"
+    wait_for 600 exercise_break_over || fail "the exercise break did not end, or its video helper outlived it"
+    sleep "$settle"
+    measure "$tarvo"
+    exercise+=("$pss") exercise_dirty+=("$dirty")
+    "$bin/tarvo" shutdown
+    ended "$tarvo"
+done
+fresh_profile # the defaults again for the measurements below
+mib() { awk "BEGIN{printf \"%.1f\", $1 / 1024}"; }
+memory_line() { # <what> <PSS KiB...> -- <private dirty KiB...>
+    local what=$1 pss=() k
+    shift
+    while [ "$1" != -- ]; do pss+=("$1"); shift; done
+    shift
+    printf '  %-32s %5s %7s     PSS %s; private dirty %s\n' "$what" "$(mib "$(median_of "${pss[@]}")")" \
+        "$(mib "$(median_of "$@")")" "$(for k in "${pss[@]}"; do printf '%s ' "$(mib "$k")"; done)" \
+        "$(for k; do printf '%s ' "$(mib "$k")"; done)"
+}
+{
+    echo "memory in MiB, median of $runs runs:  PSS  private dirty  (each run)"
+    memory_line "bare Qt tray program, idle" "${bare[@]}" -- "${bare_dirty[@]}"
+    memory_line "Tarvo idle after start-up" "${idle[@]}" -- "${idle_dirty[@]}"
+    memory_line "Tarvo after a micropause" "${micro[@]}" -- "${micro_dirty[@]}"
+    memory_line "Tarvo after an exercise break" "${exercise[@]}" -- "${exercise_dirty[@]}"
+    above=() # each run's idle PSS above the bare program's in the same run
+    for i in "${!idle[@]}"; do above+=($((idle[i] - bare[i]))); done
+    echo "  Tarvo's idle PSS above the bare program's: median $(mib "$(median_of "${above[@]}")") MiB"
+} >"$work/memory"
 
 run_until_docked >/dev/null
 pid=$tarvo_pid
 sleep 15
-pss=$(awk '/^Pss:/{print $2}' "/proc/$pid/smaps_rollup")
 
 # CPU time in nanoseconds over all threads (the scheduler's own account, finer than clock ticks).
 cpu_ns() { cat /proc/"$pid"/task/*/schedstat | awk '{n += $1} END{printf "%d", n}'; }
@@ -75,7 +176,7 @@ s3=$(switches)
 "$bin/tarvo" shutdown
 
 echo "time from exec to docked icon: first start ${first} ms (fresh profile, first-run import); warm starts ${times[*]} ms, median ${median} ms"
-echo "PSS after 15 s: $((pss / 1024)).$(((pss % 1024) * 10 / 1024)) MiB"
+cat "$work/memory"
 echo "idle 60 s: CPU $(awk "BEGIN{printf \"%.2f\", ($c1 - $c0) / 1e6}") ms, voluntary context switches $((s1 - s0)) ($(awk "BEGIN{printf \"%.2f\", ($s1 - $s0) / 60}")/s)"
 read -r motions keys <"$work/load"
 idle_ms=$(awk "BEGIN{print ($c1 - $c0) / 1e6}")
