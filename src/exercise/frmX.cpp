@@ -98,9 +98,13 @@ void frmX::dismiss() {
 }
 
 void frmX::releaseWindow() {
-    // A hidden window keeps its backing store, as large as the screen for a blanked player, for the
-    // rest of the run; the next break creates the window anew, where this one was.
-    if (!isVisible() && testAttribute(Qt::WA_WState_Created))
+    if (isVisible())
+        return; // a new break has shown it again
+    // A hidden window keeps its backing store, as large as the screen for a blanked player, and a break
+    // that ended on a picture keeps that picture decoded, for the rest of the run; the next break
+    // creates the window anew, where this one was, and shows its own exercises.
+    surface().clearPicture();
+    if (testAttribute(Qt::WA_WState_Created))
         destroy();
 }
 

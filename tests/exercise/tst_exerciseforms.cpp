@@ -95,6 +95,7 @@ private slots:
 
         // Between breaks the window is given back; the next break shows the player where it was left.
         QTRY_VERIFY(!player.testAttribute(Qt::WA_WState_Created) && afterBreak == 1);
+        QVERIFY(!player.surface().hasPicture()); // nor is the last picture kept
         rig.startAndShowTheTitle();
         QCOMPARE(player.pos(), moved);
     }
