@@ -91,13 +91,22 @@ sync
 bench_settings=("[Micropause]" '"InterruptFor"="3"' "[Exercise]" '"Scheme"="Bench"' '"NumAtaTime"="3"'
     '[Schemes]' '"Num"="4"' '"4"="Bench"' '[SchemeBench]' '"Num"="2"'
     '"1"="lookfar.bmp"' '"1d"="Look far"' '"1y"="1"' '"1s"="2"' '"2"="breathe.avi"' '"2d"="Breathe"' '"2y"="1"' '"2s"="2"')
-bare=() bare_dirty=() idle=() idle_dirty=() micro=() micro_dirty=() exercise=() exercise_dirty=()
+bare=() bare_dirty=() bare_menu=() bare_menu_dirty=() idle=() idle_dirty=() micro=() micro_dirty=()
+exercise=() exercise_dirty=()
 for _ in $(seq "$runs"); do
     read -r _ bare_pid < <("$dock_time" "$panel" "$benches/bare_tray" 2>/dev/null)
     pids+=("$bare_pid")
     sleep "$settle"
     measure "$bare_pid"
     bare+=("$pss") bare_dirty+=("$dirty")
+    # Its menu shown once and closed: what any Qt program keeps once it has drawn text (the fonts).
+    xdotool mousemove --window "$(xdotool search --onlyvisible --pid "$bare_pid" | head -n 1)" 5 5 click 3
+    wait_for 30 sh -c "[ \$(xdotool search --onlyvisible --pid $bare_pid | wc -l) -gt 1 ]" ||
+        fail "the bare program's menu did not come up"
+    xdotool key Escape
+    sleep "$settle"
+    measure "$bare_pid"
+    bare_menu+=("$pss") bare_menu_dirty+=("$dirty")
     kill "$bare_pid"
     ended "$bare_pid"
 
@@ -134,19 +143,25 @@ memory_line() { # <what> <PSS KiB...> -- <private dirty KiB...>
     shift
     while [ "$1" != -- ]; do pss+=("$1"); shift; done
     shift
-    printf '  %-32s %5s %7s     PSS %s; private dirty %s\n' "$what" "$(mib "$(median_of "${pss[@]}")")" \
-        "$(mib "$(median_of "$@")")" "$(for k in "${pss[@]}"; do printf '%s ' "$(mib "$k")"; done)" \
-        "$(for k; do printf '%s ' "$(mib "$k")"; done)"
+    printf '  %-38s %5s %7s    %s/ %s\n' "$what" "$(mib "$(median_of "${pss[@]}")")" "$(mib "$(median_of "$@")")" \
+        "$(for k in "${pss[@]}"; do printf '%s ' "$(mib "$k")"; done)" "$(for k; do printf '%s ' "$(mib "$k")"; done)"
+}
+above() { # <name of the runs' figures> <name of the runs' figures below>: the median of the differences
+    local -n high=$1 low=$2
+    local i d=()
+    for i in "${!high[@]}"; do d+=($((high[i] - low[i]))); done
+    awk "BEGIN{printf \"%+.2f\", $(median_of "${d[@]}") / 1024}"
 }
 {
-    echo "memory in MiB, median of $runs runs:  PSS  private dirty  (each run)"
+    echo "memory in MiB, median of $runs runs:       PSS  private dirty   (each run: PSS / private dirty)"
     memory_line "bare Qt tray program, idle" "${bare[@]}" -- "${bare_dirty[@]}"
+    memory_line "bare Qt tray program, its menu shown" "${bare_menu[@]}" -- "${bare_menu_dirty[@]}"
     memory_line "Tarvo idle after start-up" "${idle[@]}" -- "${idle_dirty[@]}"
     memory_line "Tarvo after a micropause" "${micro[@]}" -- "${micro_dirty[@]}"
     memory_line "Tarvo after an exercise break" "${exercise[@]}" -- "${exercise_dirty[@]}"
-    above=() # each run's idle PSS above the bare program's in the same run
-    for i in "${!idle[@]}"; do above+=($((idle[i] - bare[i]))); done
-    echo "  Tarvo's idle PSS above the bare program's: median $(mib "$(median_of "${above[@]}")") MiB"
+    echo "  above Tarvo's idle, private dirty: after a micropause $(above micro_dirty idle_dirty) MiB, after an" \
+        "exercise break $(above exercise_dirty idle_dirty) MiB (the bare program's menu: $(above bare_menu_dirty bare_dirty) MiB)"
+    echo "  Tarvo's idle PSS above the bare program's: $(above idle bare) MiB"
 } >"$work/memory"
 
 run_until_docked >/dev/null
