@@ -39,6 +39,14 @@ frmX::frmX(const SettingsRecord& settings, ExerciseMedia& media, ExerciseSequenc
     ui->MMControl1->setListener(this);
     ui->picBlack->lower();
     ui->picBlack->hide();
+    // Black by palette rather than by style sheet, which would bring Qt's style sheet engine along,
+    // with parsed rules and caches, for the player's whole life.
+    for (QWidget* black : {static_cast<QWidget*>(ui->Picture1), static_cast<QWidget*>(ui->picBlack)}) {
+        QPalette p = black->palette();
+        p.setColor(QPalette::Window, Qt::black);
+        black->setPalette(p);
+        black->setAutoFillBackground(true);
+    }
 }
 
 frmX::~frmX() = default;

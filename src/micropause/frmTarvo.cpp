@@ -9,6 +9,7 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QScreen>
 
 namespace tarvo {
@@ -21,6 +22,12 @@ const QColor kMessage(0xee, 0xf3, 0xf5);
 const QColor kHint(0x8d, 0xa1, 0xad);
 constexpr OleColor kBarLit = 0x00AABA5Eu;   // RGB 94, 186, 170
 constexpr OleColor kBarTrack = 0x00473D2Du; // RGB 45, 61, 71
+
+void setTextColor(QWidget& widget, const QColor& color) {
+    QPalette p = widget.palette();
+    p.setColor(QPalette::WindowText, color);
+    widget.setPalette(p);
+}
 
 // Label captions treat "&" as the mark of an access key, so a literal ampersand is written "&&".
 QString captionText(const QString& caption) {
@@ -43,11 +50,12 @@ frmTarvo::frmTarvo(QWidget* parent)
     connect(ui->cmdOK, &QPushButton::clicked, this, &frmTarvo::cmdOK_Click);
     connect(ui->cmdCancel, &QPushButton::clicked, this, &frmTarvo::cmdCancel_Click);
     ui->lblESC->installEventFilter(this);
+    ui->picBlack->installEventFilter(this);
 
-    ui->picBlack->setStyleSheet(
-        QStringLiteral("QFrame#picBlack { background-color: %1; border-radius: 18px; }").arg(kPanel.name()));
-    ui->lblWarning->setStyleSheet(QStringLiteral("color: %1;").arg(kMessage.name()));
-    ui->lblESC->setStyleSheet(QStringLiteral("color: %1;").arg(kHint.name()));
+    // Colours by palette and the panel painted here, not by style sheets: a style sheet brings Qt's
+    // style sheet engine along, with parsed rules and caches that outlive the form.
+    setTextColor(*ui->lblWarning, kMessage);
+    setTextColor(*ui->lblESC, kHint);
     ui->picPB->setFrameShape(QFrame::NoFrame);
     bar_.setCanvas(ui->picPB);
     bar_.setForeColor(kBarLit);
@@ -92,10 +100,8 @@ void frmTarvo::applyBreakLayout(const BreakLayout& l, bool blank) {
     ui->lblESC->setFont(hint);
     ui->picPB->setFixedHeight(l.barHeight);
     // Alone at its designed size the panel is the whole window; on a blanked screen it floats, rounded.
-    ui->picBlack->setStyleSheet(
-        QStringLiteral("QFrame#picBlack { background-color: %1; border-radius: %2px; }")
-            .arg(kPanel.name())
-            .arg(blank ? l.margin / 3 : 0));
+    panelRadius_ = blank ? l.margin / 3 : 0;
+    ui->picBlack->update();
 }
 
 void frmTarvo::setBackground(const QColor& color) {
@@ -218,6 +224,14 @@ void frmTarvo::changeEvent(QEvent* event) {
 }
 
 bool frmTarvo::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == ui->picBlack && event->type() == QEvent::Paint) {
+        QPainter painter(ui->picBlack);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(kPanel);
+        painter.drawRoundedRect(ui->picBlack->rect(), panelRadius_, panelRadius_);
+        return true;
+    }
     if (watched == ui->lblESC && event->type() == QEvent::MouseButtonDblClick) {
         lblESC_DblClick();
         return true;

@@ -71,6 +71,7 @@ private:
     CProgressBar bar_;
     BreakEngine* engine_ = nullptr;
     ScreenCovers covers_;
+    int panelRadius_ = 0; // the corners of picBlack
 };
 
 } // namespace tarvo
