@@ -32,7 +32,7 @@ struct ShellContext {
     ProcessRunner& processes;
     QString commandLine; // the arguments joined by single blanks
     QString windir;      // the "windir" environment variable (normally unset here)
-    // Gives the heap's free memory back to the system after each exercise break.
+    // Gives the heap's free memory back to the system after each break, once its screen is gone.
     std::function<void()> releaseFreedMemory = [] {};
 };
 

@@ -32,8 +32,9 @@ std::unique_ptr<RegistryStore> openUserStore();
 // nothing else, and no display.
 std::unique_ptr<SingleInstance> createSingleInstance();
 
-// Hands the memory that the allocator holds free back to the system: after an exercise break, whose
-// windows and pictures leave the heap with free pages that it would otherwise keep for the whole run.
+// Hands the memory that the allocator holds free back to the system: after a break, once its screen is
+// gone, whose windows and pictures leave the heap with free pages that it would otherwise keep for the
+// whole run.
 void releaseFreedMemory();
 
 // The whole of the video helper program, tarvovideo, that plays the exercise videos for MediaCommands.
