@@ -19,7 +19,11 @@ MediaSurface::MediaSurface(QWidget* parent)
 }
 
 bool MediaSurface::loadPicture(const QString& file) {
-    QImageReader reader(file);
+    // Exercise pictures are BMP files, which Qt reads by itself. Left to guess the format, the reader
+    // would load every image format plugin installed (SVG, JPEG, GIF...) to ask each, and they would
+    // stay for the rest of the run.
+    QImageReader reader(file, "bmp");
+    reader.setAutoDetectImageFormat(false);
     const QImage image = reader.read();
     if (image.isNull()) {
         clearPicture();

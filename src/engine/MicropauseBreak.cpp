@@ -44,8 +44,10 @@ void MicropauseBreak::TarvoMicropause() {
 }
 
 void MicropauseBreak::cutShort() {
+    if (!state_.InMicropause)
+        return; // and the view need not load its bar for nothing
     CountdownBar& bar = view_.countdownBar();
-    if (state_.InMicropause && bar.Value() < checked::sub(bar.Max(), std::int32_t{3}))
+    if (bar.Value() < checked::sub(bar.Max(), std::int32_t{3}))
         bar.setValue(checked::sub(bar.Max(), std::int32_t{1}));
 }
 

@@ -40,6 +40,14 @@ frmX::frmX(const SettingsRecord& settings, ExerciseMedia& media, ExerciseSequenc
     ui->MMControl1->setListener(this);
     ui->picBlack->lower();
     ui->picBlack->hide();
+    // Black by palette rather than by style sheet, which would bring Qt's style sheet engine along,
+    // with parsed rules and caches, for the player's whole life.
+    for (QWidget* black : {static_cast<QWidget*>(ui->Picture1), static_cast<QWidget*>(ui->picBlack)}) {
+        QPalette p = black->palette();
+        p.setColor(QPalette::Window, Qt::black);
+        black->setPalette(p);
+        black->setAutoFillBackground(true);
+    }
 }
 
 frmX::~frmX() = default;
@@ -104,9 +112,13 @@ void frmX::dismiss() {
 }
 
 void frmX::releaseWindow() {
-    // A hidden window keeps its backing store, as large as the screen for a blanked player, for the
-    // rest of the run; the next break creates the window anew, where this one was.
-    if (!isVisible() && testAttribute(Qt::WA_WState_Created))
+    if (isVisible())
+        return; // a new break has shown it again
+    // A hidden window keeps its backing store, as large as the screen for a blanked player, and a break
+    // that ended on a picture keeps that picture decoded, for the rest of the run; the next break
+    // creates the window anew, where this one was, and shows its own exercises.
+    surface().clearPicture();
+    if (testAttribute(Qt::WA_WState_Created))
         destroy();
 }
 

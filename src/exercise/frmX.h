@@ -59,8 +59,8 @@ public:
     void showExercise(const QString& file, bool topmost);
     // The break is over.
     void dismiss();
-    // Gives the hidden player's window system resources back; called outside the player's own
-    // event handlers, which a break may end from.
+    // Gives the hidden player's window system resources and its last picture back; called outside
+    // the player's own event handlers, which a break may end from.
     void releaseWindow();
 
     // Where a form that is not blanked goes: centred on the screen, but only when its current place

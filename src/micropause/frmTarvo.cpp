@@ -1,5 +1,6 @@
 #include "micropause/frmTarvo.h"
 
+#include "core/ProgramInfo.h"
 #include "engine/BreakEngine.h"
 #include "micropause/BreakLayout.h"
 #include "micropause/PictureBox.h"
@@ -8,6 +9,7 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QScreen>
 
 namespace tarvo {
@@ -20,6 +22,12 @@ const QColor kMessage(0xee, 0xf3, 0xf5);
 const QColor kHint(0x8d, 0xa1, 0xad);
 constexpr OleColor kBarLit = 0x00AABA5Eu;   // RGB 94, 186, 170
 constexpr OleColor kBarTrack = 0x00473D2Du; // RGB 45, 61, 71
+
+void setTextColor(QWidget& widget, const QColor& color) {
+    QPalette p = widget.palette();
+    p.setColor(QPalette::WindowText, color);
+    widget.setPalette(p);
+}
 
 // Label captions treat "&" as the mark of an access key, so a literal ampersand is written "&&".
 QString captionText(const QString& caption) {
@@ -42,17 +50,19 @@ frmTarvo::frmTarvo(QWidget* parent)
     connect(ui->cmdOK, &QPushButton::clicked, this, &frmTarvo::cmdOK_Click);
     connect(ui->cmdCancel, &QPushButton::clicked, this, &frmTarvo::cmdCancel_Click);
     ui->lblESC->installEventFilter(this);
+    ui->picBlack->installEventFilter(this);
 
-    ui->picBlack->setStyleSheet(
-        QStringLiteral("QFrame#picBlack { background-color: %1; border-radius: 18px; }").arg(kPanel.name()));
-    ui->lblWarning->setStyleSheet(QStringLiteral("color: %1;").arg(kMessage.name()));
-    ui->lblESC->setStyleSheet(QStringLiteral("color: %1;").arg(kHint.name()));
+    // Colours by palette and the panel painted here, not by style sheets: a style sheet brings Qt's
+    // style sheet engine along, with parsed rules and caches that outlive the form.
+    setTextColor(*ui->lblWarning, kMessage);
+    setTextColor(*ui->lblESC, kHint);
     ui->picPB->setFrameShape(QFrame::NoFrame);
     bar_.setCanvas(ui->picPB);
     bar_.setForeColor(kBarLit);
     bar_.setBackColor(kBarTrack);
     connect(ui->picPB, &PictureBox::Resize, this, [this] { bar_.ResizeEx(); });
     applyBreakLayout(designedBreakLayout(), false);
+    ui->lblVersion->setText(QLatin1String(kVersionText));
 }
 
 frmTarvo::~frmTarvo() = default;
@@ -90,10 +100,8 @@ void frmTarvo::applyBreakLayout(const BreakLayout& l, bool blank) {
     ui->lblESC->setFont(hint);
     ui->picPB->setFixedHeight(l.barHeight);
     // Alone at its designed size the panel is the whole window; on a blanked screen it floats, rounded.
-    ui->picBlack->setStyleSheet(
-        QStringLiteral("QFrame#picBlack { background-color: %1; border-radius: %2px; }")
-            .arg(kPanel.name())
-            .arg(blank ? l.margin / 3 : 0));
+    panelRadius_ = blank ? l.margin / 3 : 0;
+    ui->picBlack->update();
 }
 
 void frmTarvo::setBackground(const QColor& color) {
@@ -166,16 +174,6 @@ void frmTarvo::dismissBreak() {
     ui->cmdOK->show();
     ui->lblESC->hide();
     adjustSize();
-    // A hidden window keeps its backing store, as large as the screen after a blanked break, for
-    // the rest of the run. It goes once the event that ended the break is done with the window; the
-    // next break or the status panel creates it anew.
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            if (!isVisible() && testAttribute(Qt::WA_WState_Created))
-                destroy();
-        },
-        Qt::QueuedConnection);
 }
 
 void frmTarvo::escapeOnCover() {
@@ -226,6 +224,14 @@ void frmTarvo::changeEvent(QEvent* event) {
 }
 
 bool frmTarvo::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == ui->picBlack && event->type() == QEvent::Paint) {
+        QPainter painter(ui->picBlack);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(kPanel);
+        painter.drawRoundedRect(ui->picBlack->rect(), panelRadius_, panelRadius_);
+        return true;
+    }
     if (watched == ui->lblESC && event->type() == QEvent::MouseButtonDblClick) {
         lblESC_DblClick();
         return true;

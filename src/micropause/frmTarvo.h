@@ -19,9 +19,9 @@ namespace tarvo {
 class BreakEngine;
 struct BreakLayout;
 
-// The main form, the view of the break engine. It is loaded at start-up and stays loaded, hidden, for
-// the whole run; shown from the tray menu, it is the status panel with the next exercise break and the
-// last micropauses.
+// The main form, the view of the break engine while it is loaded (MainForm loads it when it is to be
+// shown); shown from the tray menu, it is the status panel with the version, the next exercise break
+// and the last micropauses.
 //
 // During a micropause the form is the break screen: the panel picBlack with the message, the countdown
 // bar and the Esc hint, either centred on a black screen (with every other monitor blacked out too) or
@@ -71,6 +71,7 @@ private:
     CProgressBar bar_;
     BreakEngine* engine_ = nullptr;
     ScreenCovers covers_;
+    int panelRadius_ = 0; // the corners of picBlack
 };
 
 } // namespace tarvo

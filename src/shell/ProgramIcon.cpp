@@ -6,7 +6,7 @@
 #include <QImageReader>
 #include <QPainter>
 
-#include <map>
+#include <algorithm>
 
 // The resource lives in a static library, whose initialiser the linker would drop unless someone
 // refers to it; the macro has to be used outside any namespace.
@@ -18,9 +18,13 @@ namespace tarvo {
 
 namespace {
 
-// Draws the icon from the picture of the nearest size the build made, read only when a size is first
-// asked for. QIcon's own file engine would instead sniff each file's format when it is added, which
-// loads every image format plugin installed (SVG, JPEG, GIF...) into a program that reads only PNG.
+// Draws the icon from the picture of the nearest size the build made, read each time a size is asked
+// for. QIcon's own file engine would instead sniff each file's format when it is added, which loads
+// every image format plugin installed (SVG, JPEG, GIF...) into a program that reads only PNG.
+//
+// Nothing is kept: the icon is asked for when a window is made (at every size, for the window
+// manager) and when the tray repaints it, both rare, while every size kept would hold some 400 KiB
+// for the whole run, the 256-pixel picture alone a quarter of a MiB.
 class ProgramIconEngine : public QIconEngine {
 public:
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
@@ -28,11 +32,7 @@ public:
         Q_UNUSED(state);
         if (size.isEmpty())
             return {};
-        const int side = std::min(size.width(), size.height());
-        auto cached = pixmaps_.find(side);
-        if (cached == pixmaps_.end())
-            cached = pixmaps_.emplace(side, draw(side)).first;
-        return cached->second;
+        return draw(std::min(size.width(), size.height()));
     }
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
@@ -81,8 +81,6 @@ private:
             image = image.scaled(side, side, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
         return QPixmap::fromImage(std::move(image));
     }
-
-    std::map<int, QPixmap> pixmaps_;
 };
 
 } // namespace

@@ -10,9 +10,9 @@
 #include "engine/BreakEngine.h"
 #include "engine/SchemeStore.h"
 #include "exercise/ExerciseScreens.h"
+#include "micropause/MainForm.h"
 #include "micropause/WarningSounds.h"
 #include "micropause/frmSound.h"
-#include "micropause/frmTarvo.h"
 #include "options/frmSettings.h"
 #include "settings/LoadAndCommit.h"
 #include "settings/Options.h"
@@ -22,9 +22,6 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
-#include <QGuiApplication>
-#include <QLabel>
-#include <QScreen>
 
 namespace tarvo {
 
@@ -48,33 +45,22 @@ void TarvoProgram::Form_Load() {
 
 void TarvoProgram::startRunning() {
     warnings_ = std::make_unique<WarningSounds>(ctx_.record, ctx_.sound, ctx_.programFolder);
-    form_ = std::make_unique<frmTarvo>();
+    mainForm_ = std::make_unique<MainForm>();
     exerciseScreens_ = std::make_unique<ExerciseScreens>(ctx_);
-    engine_ = std::make_unique<BreakEngine>(ctx_, *form_, *exerciseScreens_, *warnings_);
-    form_->attach(*engine_);
+    engine_ = std::make_unique<BreakEngine>(ctx_, *mainForm_, *exerciseScreens_, *warnings_);
+    mainForm_->attach(*engine_);
+    mainForm_->setAfterUnload(shell_.releaseFreedMemory);
     exerciseScreens_->attach(engine_->exercise());
     exerciseScreens_->setAfterBreak(shell_.releaseFreedMemory);
     TrayActions& actions = *this;
     menu_ = std::make_unique<TrayMenu>(ctx_.settings, actions);
     hook_ = std::make_unique<TrayHook>(shell_.tray, *menu_, actions, TrayHook::screenTwipsPerPixelX());
     running_ = true;
-    // Ten seconds: the icon docks and paints within a fraction of one, even on a slow start.
-    settled_ = ctx_.timers.createTimer(*this);
-    settled_->setInterval(10000);
-    settled_->setEnabled(true);
-    if (auto* version = form_->findChild<QLabel*>(QStringLiteral("lblVersion")))
-        version->setText(QLatin1String(kVersionText));
 
     ctx_.settings.writeNumber(option("tray"), shell_.instance.handle());
     shell_.instance.listen(*hook_);
 
     FirstTimeInitialise();
-
-    if (QScreen* screen = QGuiApplication::primaryScreen()) {
-        const QRect area = screen->geometry();
-        form_->move(area.x() + (area.width() - form_->width()) / 2,
-                    area.y() + (area.height() - form_->height()) / 2);
-    }
 
     ctx_.schedule.ExercisePromptPending = false;
     loadAllSettings(ctx_.settings, ctx_.record, this);
@@ -85,7 +71,6 @@ void TarvoProgram::startRunning() {
     ctx_.schedule.LastActivityTimes = {now, now};
 
     hook_->addIcon(icon_, QLatin1String(kProgramTitle));
-    form_->hide();
 
     ctx_.settings.write(option("AppPath"), ctx_.programFolder);
 }
@@ -123,17 +108,12 @@ void TarvoProgram::Form_Unload() {
     shell_.instance.release();
 }
 
-void TarvoProgram::timerTick(Timer& timer) {
-    timer.setEnabled(false);
-    shell_.releaseFreedMemory();
-}
-
 void TarvoProgram::schemeRead(const QString& scheme) {
     useScheme(scheme);
 }
 
 void TarvoProgram::warningRead(const QString& warning) {
-    form_->setWarning(warning);
+    mainForm_->setWarning(warning);
 }
 
 void TarvoProgram::monitorRead(int channel, std::int32_t on) {
@@ -150,7 +130,7 @@ void TarvoProgram::LoadMeUp() {
 }
 
 void TarvoProgram::warningChanged(const QString& warning) {
-    form_->setWarning(warning);
+    mainForm_->setWarning(warning);
 }
 
 void TarvoProgram::chooseSound(int index, QWidget* parent) {
@@ -159,8 +139,7 @@ void TarvoProgram::chooseSound(int index, QWidget* parent) {
 }
 
 void TarvoProgram::showStatus() {
-    form_->setWindowState(Qt::WindowNoState);
-    form_->show();
+    mainForm_->showStatus();
 }
 
 void TarvoProgram::showAbout() {

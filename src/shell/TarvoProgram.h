@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/Timer.h"
 #include "options/frmSettings.h"
 #include "settings/SettingsPort.h"
 #include "shell/TrayActions.h"
@@ -16,6 +15,7 @@ namespace tarvo {
 struct AppContext;
 class BreakEngine;
 class ExerciseScreens;
+class MainForm;
 class ProcessRunner;
 class SingleInstance;
 class TrayHook;
@@ -24,7 +24,6 @@ class TrayMenu;
 class WarningSounds;
 class frmAboutKelmar;
 class frmSettings;
-class frmTarvo;
 
 // The seams that only start-up, shut-down and the tray use, and what the program was started with.
 struct ShellContext {
@@ -32,18 +31,14 @@ struct ShellContext {
     TrayIcon& tray;
     ProcessRunner& processes;
     QString windir; // the "windir" environment variable (normally unset here)
-    // Lets go of memory the idle program does not need: once start-up has settled, and after each
-    // exercise break.
+    // Gives the heap's free memory back to the system after each break, once its screen is gone.
     std::function<void()> releaseFreedMemory = [] {};
 };
 
 // The program's life: start-up (Form_Load), first-run initialisation and shut-down (Form_Unload), and
 // the one place where the subsystems are put together: the engine with its main form, the tray icon
 // with its menu, and what the menu's items do.
-class TarvoProgram : private SettingsPort,
-                     private TrayActions,
-                     private frmSettings::Neighbours,
-                     private Timer::Listener {
+class TarvoProgram : private SettingsPort, private TrayActions, private frmSettings::Neighbours {
 public:
     TarvoProgram(AppContext& context, ShellContext shell, QIcon icon);
     ~TarvoProgram() override;
@@ -60,7 +55,7 @@ public:
     // Imports the shipped defaults and renders the built-in media, once per user.
     void FirstTimeInitialise();
 
-    frmTarvo& form() { return *form_; }
+    MainForm& mainForm() { return *mainForm_; }
     BreakEngine& engine() { return *engine_; }
     ExerciseScreens& exerciseScreens() { return *exerciseScreens_; }
     TrayMenu& menu() { return *menu_; }
@@ -87,23 +82,17 @@ private:
     void warningChanged(const QString& warning) override;
     void chooseSound(int index, QWidget* parent) override;
 
-    // The one tick of settled_, some seconds after start-up.
-    void timerTick(Timer& timer) override;
-
     AppContext& ctx_;
     ShellContext shell_;
     QIcon icon_;
     std::unique_ptr<WarningSounds> warnings_;
-    std::unique_ptr<frmTarvo> form_;
+    std::unique_ptr<MainForm> mainForm_;
     std::unique_ptr<ExerciseScreens> exerciseScreens_;
     std::unique_ptr<BreakEngine> engine_;
     std::unique_ptr<TrayMenu> menu_;
     std::unique_ptr<TrayHook> hook_;
     std::unique_ptr<frmAboutKelmar> about_;
     std::unique_ptr<frmSettings> settingsForm_; // made at its first opening
-    // Start-up has settled once the icon docked and the first paint is done: the pages of start-up's
-    // code and tables are no longer needed then.
-    std::unique_ptr<Timer> settled_;
     bool running_ = false;
 };
 

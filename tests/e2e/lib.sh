@@ -106,6 +106,6 @@ two_monitors_with_busy_work() {
     xrandr --setmonitor right 1024/270x768/203+1024+0 none >/dev/null
     xmessage -title "Busy work" -geometry 400x200+100+100 "Busy work" &
     pids+=($!)
-    wait_for 100 visible_window '^Busy work$' || fail "the stand-in for the user's work did not appear"
+    wait_for 300 visible_window '^Busy work$' || fail "the stand-in for the user's work did not appear"
     busy=$(xdotool search --name '^Busy work$' | head -n 1)
 }

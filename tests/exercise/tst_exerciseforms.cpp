@@ -92,6 +92,7 @@ private slots:
         QVERIFY(!player.isVisible());
         // Between breaks the window is given back; the next break shows the player where it was left.
         QTRY_VERIFY(!player.testAttribute(Qt::WA_WState_Created) && afterBreak == 1);
+        QVERIFY(!player.surface().hasPicture()); // nor is the last picture kept
         rig.startABreak();
         QCOMPARE(player.pos(), moved);
 

@@ -1,10 +1,11 @@
-// The main form as the engine's view: its labels show what the scheduler wrote, the break screen
-// shows and hides its parts, the countdown bar is drawn, and Esc and the hint reach the engine. And the
-// countdown bar on its own, checked on what its canvas shows: columns counted by colour in the retained
-// image.
+// The main form as the engine's view: loaded only while it is shown, its labels show what the
+// scheduler wrote meanwhile, the break screen shows and hides its parts, the countdown bar is drawn,
+// and Esc and the hint reach the engine. And the countdown bar on its own, checked on what its canvas
+// shows: columns counted by colour in the retained image.
 #include "core/RuntimeError.h"
 #include "engine/BreakEngine.h"
 #include "micropause/CProgressBar.h"
+#include "micropause/MainForm.h"
 #include "micropause/PictureBox.h"
 #include "micropause/frmTarvo.h"
 #include "support/FakeContext.h"
@@ -12,7 +13,6 @@
 #include "support/Raised.h"
 
 #include <QLabel>
-#include <QPainter>
 #include <QPushButton>
 #include <QTemporaryFile>
 #include <QtTest>
@@ -31,27 +31,24 @@ int coversShown() {
     return n;
 }
 
-// Lit columns of the bar's picture: those in the bar's own colour.
-int litColumns(const PictureBox* canvas) {
-    const QImage image = canvas->image();
-    const QRgb lit = resolveOleColor(0x00AABA5Eu, canvas->palette()).rgb();
-    int n = 0;
-    for (int x = 0; x < image.width(); ++x)
-        n += image.pixel(x, image.height() / 2) == lit ? 1 : 0;
-    return n;
-}
-
 // The main form and its engine on simulated time.
 struct FormRig : FakeContext {
     QuietViews elsewhere; // what is heard, and the exercise breaks: the engine's and their own tests
-    frmTarvo form;
-    BreakEngine engine{ctx, form, elsewhere, elsewhere};
+    MainForm main;
+    BreakEngine engine{ctx, main, elsewhere, elsewhere};
+    int unloads = 0;
 
-    FormRig() { form.attach(engine); }
-    template <typename T>
-    T* child(const char* name) {
-        return form.findChild<T*>(QLatin1String(name));
+    FormRig() {
+        main.attach(engine);
+        main.setAfterUnload([this] { ++unloads; });
+        engine.scheduler().SetTimers();
     }
+    template <typename T = QWidget>
+    T* child(const char* name) {
+        return main.form()->findChild<T*>(QLatin1String(name));
+    }
+    QString text(const char* label) { return child<QLabel>(label)->text(); }
+    void micropause() { engine.micropause().TarvoMicropause(); }
 };
 
 void expectError(const std::function<void()>& action, std::int32_t number, const char* description,
@@ -59,6 +56,21 @@ void expectError(const std::function<void()>& action, std::int32_t number, const
     const auto e = raised<RuntimeError>(action);
     QVERIFY(e && e->number() == number && e->description() == QLatin1String(description) &&
             e->source() == QLatin1String(source));
+}
+
+// The number of leading columns in the colour `on` when the top `rows` rows (all if -1) of the canvas
+// show such a run followed only by columns in the colour `off`; -1 for anything else.
+int lit(const PictureBox& canvas, OleColor on, OleColor off, int rows = -1) {
+    const QImage image = canvas.image();
+    const QRgb onRgb = resolveOleColor(on, canvas.palette()).rgb();
+    int count = 0;
+    while (count < image.width() && image.pixel(count, 0) == onRgb)
+        ++count;
+    for (int y = 0; y < (rows < 0 ? image.height() : rows); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixel(x, y) != (x < count ? onRgb : resolveOleColor(off, canvas.palette()).rgb()))
+                return -1;
+    return count;
 }
 
 // A red-on-blue bar on a canvas with a border `frame` wide.
@@ -71,21 +83,7 @@ struct Fixture {
         bar.setBackColor(0x00FF0000u);
         bar.setCanvas(&canvas);
     }
-
-    // The number of leading columns in the fore colour when the top `rows` rows (all if -1) show such a
-    // run followed only by columns in the back colour; -1 for anything else.
-    int lit(int rows = -1) const {
-        const QImage image =
-            canvas.image().copy(0, 0, canvas.image().width(), rows < 0 ? canvas.image().height() : rows);
-        const QColor on = resolveOleColor(bar.ForeColor(), canvas.palette());
-        int count = 0;
-        while (count < image.width() && image.pixel(count, 0) == on.rgb())
-            ++count;
-        QImage expected(image.size(), image.format());
-        expected.fill(resolveOleColor(bar.BackColor(), canvas.palette()));
-        QPainter(&expected).fillRect(0, 0, count, image.height(), on);
-        return image == expected ? count : -1;
-    }
+    int lit(int rows = -1) const { return ::lit(canvas, bar.ForeColor(), bar.BackColor(), rows); }
 
     PictureBox canvas;
     CProgressBar bar;
@@ -97,118 +95,109 @@ class TestFrmTarvo : public QObject {
     Q_OBJECT
 
 private slots:
-    void statusPanel() {
-        FormRig rig;
-        rig.ctx.record.EveryM = 2;
-        QVERIFY(!rig.form.isVisible() && rig.child<QLabel>("lbltarvo"));
-        rig.engine.scheduler().SetTimers();
-        QCOMPARE(rig.child<QLabel>("lblExercise")->text(), "Next Exercise Break: 1 minutes");
-        QCOMPARE(rig.child<QLabel>("lblActivity")->text(), "Activity: made up by the test");
-        rig.timeline.advance(15000); // an idle user
-        QCOMPARE(rig.child<QLabel>("lblvoluntary")->text(), "Last natural micropause: 09:00");
-
-        rig.form.show();
-        QTest::mouseClick(rig.child<QPushButton>("cmdOK"), Qt::LeftButton);
-        QVERIFY(!rig.form.isVisible());
-    }
-
     void theBreakScreen() {
         FormRig rig;
         SettingsRecord& settings = rig.ctx.record;
         settings.InterruptFor = 2;
-        frmTarvo& form = rig.form;
-        form.setWarning("Hands off Keyboard && Mouse, look away, relax.");
-        auto* lblESC = rig.child<QLabel>("lblESC");
-        auto* picPB = rig.child<PictureBox>("picPB");
-        auto* picBlack = rig.child<QWidget>("picBlack");
-        auto* cmdOK = rig.child<QPushButton>("cmdOK");
-        QCOMPARE(rig.child<QLabel>("lblWarning")->text(), "Hands off Keyboard & Mouse, look away, relax.");
-        rig.engine.scheduler().SetTimers();
+        rig.main.setWarning("Hands off Keyboard && Mouse, look away, relax.");
 
-        // Blanked: full screen, the panel centred, the hint shown, the bar counting.
-        rig.engine.micropause().TarvoMicropause();
-        QVERIFY(form.isVisible() && picPB->isVisible() && lblESC->isVisible() && !cmdOK->isVisible());
-        QVERIFY(form.windowFlags() & Qt::WindowStaysOnTopHint); // full screen: the end-to-end test
-        QCOMPARE(picBlack->geometry().center(), form.rect().center());
+        // Blanked: full screen, the panel centred, the hint shown, the bar counting in its colours.
+        rig.micropause();
+        frmTarvo* form = rig.main.form();
+        QCOMPARE(rig.text("lblWarning"), "Hands off Keyboard & Mouse, look away, relax.");
+        QVERIFY(form->isVisible() && rig.child("lblESC")->isVisible() && !rig.child("cmdOK")->isVisible());
+        QCOMPARE(rig.child("picBlack")->geometry().center(), form->rect().center());
         rig.timeline.advance(1000);
-        QVERIFY(picPB->ScaleWidth() > 0);
-        QCOMPARE(litColumns(picPB), (11 * picPB->ScaleWidth() + 10) / 20); // 11 of 20 steps
+        const auto& picPB = *rig.child<PictureBox>("picPB");
+        QVERIFY(picPB.isVisible() && picPB.ScaleWidth() > 0);
+        QCOMPARE(lit(picPB, 0x00AABA5Eu, 0x00473D2Du, 1), (11 * picPB.ScaleWidth() + 10) / 20); // 11 of 20
 
-        // The Esc key reaches the engine, which ends the break on the next tick.
-        QTest::keyClick(&form, Qt::Key_Escape);
+        // The Esc key reaches the engine, which ends the break on the next tick; then the form goes.
+        QTest::keyClick(form, Qt::Key_Escape);
         rig.timeline.advance(100);
-        QVERIFY(!form.isVisible());
-        QVERIFY(cmdOK->isVisibleTo(&form) && !lblESC->isVisibleTo(&form) && !picPB->isVisibleTo(&form));
-        QCOMPARE(rig.child<QLabel>("lbltarvo")->text(), "Last tarvo micropause: 09:00");
-        QVERIFY(!(form.windowFlags() & Qt::WindowStaysOnTopHint));
-        // The hidden screen gives its window, with a backing store as large as the screen, back.
-        QTRY_VERIFY(!form.testAttribute(Qt::WA_WState_Created));
+        QTRY_VERIFY(!rig.main.form()); // hidden, and unloaded
 
-        // At its own size the panel is the window; a double click on the hint ends the break too.
+        // At its own size the panel is the window, on top all the same; a double click on the hint
+        // ends the break too.
         settings.Blank = 0;
-        rig.engine.micropause().TarvoMicropause();
-        QVERIFY(!(form.windowState() & Qt::WindowFullScreen));
-        QCOMPARE(form.size(), picBlack->size());
-        QTest::mouseDClick(lblESC, Qt::LeftButton);
+        rig.micropause();
+        form = rig.main.form();
+        QCOMPARE(rig.text("lbltarvo"), "Last tarvo micropause: 09:00"); // written while unloaded
+        QVERIFY(!(form->windowState() & Qt::WindowFullScreen) &&
+                form->windowFlags() & Qt::WindowStaysOnTopHint);
+        QCOMPARE(form->size(), rig.child("picBlack")->size());
+        QTest::mouseDClick(rig.child("lblESC"), Qt::LeftButton);
         rig.timeline.advance(100);
-        QVERIFY(!form.isVisible());
+        QTRY_VERIFY(!rig.main.form());
 
-        // Esc disabled: no hint. Minimising the break screen hides it; the break runs to its end.
+        // Esc disabled: no hint. Minimising the break screen hides it; the break runs to its end in the
+        // form, which stays loaded till then.
         settings.DisableEsc = 1;
-        rig.engine.micropause().TarvoMicropause();
-        QVERIFY(!lblESC->isVisible());
-        form.setWindowState(Qt::WindowMinimized);
-        QVERIFY(!form.isVisible());
+        rig.micropause();
+        form = rig.main.form();
+        QVERIFY(!rig.child("lblESC")->isVisible());
+        form->setWindowState(Qt::WindowMinimized);
+        QTest::qWait(10);
+        QVERIFY(rig.main.form() == form && !form->isVisible());
         rig.timeline.advance(2000);
         QVERIFY(!rig.ctx.schedule.InMicropause);
-    }
+        QTRY_VERIFY(!rig.main.form());
 
-    // A break over the open status panel is frameless and on top all the same; a second blanked break
-    // while one runs covers the other screen once; a break at its own size does not hold the keyboard.
-    void aBreakOverWhatWasOpen() {
-        FormRig rig;
-        frmTarvo& form = rig.form;
-        rig.engine.scheduler().SetTimers();
-        form.show(); // "Status..."
-        QVERIFY(QTest::qWaitForWindowExposed(&form));
-        for (int i = 0; i < 2; ++i)
-            rig.engine.micropause().TarvoMicropause();
-        QVERIFY(form.isVisible() && form.windowFlags().testFlag(Qt::FramelessWindowHint) &&
-                form.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-        QCOMPARE(coversShown(), 1);
-        QCOMPARE(QWidget::keyboardGrabber(), &form);
-        QTest::keyClick(&form, Qt::Key_Escape);
-        rig.timeline.advance(100);
-        QCOMPARE(coversShown(), 0);
-        QVERIFY(!QWidget::keyboardGrabber());
-
-        rig.ctx.record.Blank = 0;
-        rig.engine.micropause().TarvoMicropause();
-        QVERIFY(form.isVisible() && !QWidget::keyboardGrabber());
-    }
-
-    // A break of 0 seconds asks the form's bar for a maximum of 0, which it refuses with its own error
-    // before anything is shown.
-    void aZeroLengthIsTheBarsError() {
-        FormRig rig;
-        rig.ctx.record.InterruptFor = 0;
-        rig.engine.scheduler().SetTimers();
-        const auto e = raised<RuntimeError>([&] { rig.engine.micropause().TarvoMicropause(); });
+        // A break of 0 seconds asks the bar for a maximum of 0, which it refuses with its own error
+        // before anything is shown.
+        settings.InterruptFor = 0;
+        const auto e = raised<RuntimeError>([&] { rig.micropause(); });
         QVERIFY(e && e->number() == vberr::objectError(3));
         QVERIFY(!rig.ctx.schedule.InMicropause && !rig.engine.tSeconds().isEnabled());
-        QVERIFY(!rig.form.isVisible());
+        QTRY_VERIFY(!rig.main.form()); // never shown
     }
 
-private slots:
-    // Value is clamped to the range; refused settings leave Min, Max, Canvas and the drawing as they were.
+    // Nothing is loaded until the status panel is shown, with what the engine wrote meanwhile. A break
+    // over it turns it into the break screen, frameless and on top; a second blanked break while one
+    // runs covers the other screen once; a break at its own size does not hold the keyboard. OK hides
+    // the panel, and it is unloaded.
+    void theStatusPanelAndABreakOverIt() {
+        FormRig rig;
+        rig.ctx.record.EveryM = 2;
+        rig.engine.scheduler().SetTimers();
+        rig.timeline.advance(15000); // an idle user
+        QVERIFY(!rig.main.form());
+        rig.main.showStatus();
+        frmTarvo* form = rig.main.form();
+        QCOMPARE(rig.text("lblExercise"), "Next Exercise Break: 1 minutes");
+        QCOMPARE(rig.text("lblActivity"), "Activity: made up by the test");
+        QCOMPARE(rig.text("lblvoluntary"), "Last natural micropause: 09:00");
+        QVERIFY(QTest::qWaitForWindowExposed(form));
+        rig.micropause();
+        rig.micropause();
+        QTest::qWait(10);
+        QVERIFY(rig.main.form() == form && form->isVisible());
+        QVERIFY(form->windowFlags().testFlags(Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint));
+        QCOMPARE(coversShown(), 1);
+        QCOMPARE(QWidget::keyboardGrabber(), form);
+        QTest::keyClick(form, Qt::Key_Escape);
+        rig.timeline.advance(100);
+        QVERIFY(coversShown() == 0 && !QWidget::keyboardGrabber());
+
+        rig.ctx.record.Blank = 0;
+        rig.micropause();
+        QVERIFY(rig.main.form()->isVisible() && !QWidget::keyboardGrabber());
+        rig.timeline.advance(15000);
+        rig.main.showStatus();
+        QTest::mouseClick(rig.child("cmdOK"), Qt::LeftButton);
+        QTRY_VERIFY(!rig.main.form());
+        QCOMPARE(rig.unloads, 1);
+    }
+
+    // Value is clamped to the range; refused settings leave Min, Max, Canvas and the drawing as they
+    // were; Value beyond a lowered Max lights the whole bar; more columns than a 16-bit block count
+    // holds overflow.
     void valueIsClampedAndBadSettingsAreRefused() {
         Fixture f(100);
-        for (const auto& [value, clamped] : {std::pair{105, 100}, std::pair{-1, 0}}) {
-            f.bar.setValue(value);
-            QCOMPARE(f.bar.Value(), clamped);
-            QCOMPARE(f.lit(), clamped);
-        }
-
+        f.bar.setValue(105);
+        QCOMPARE(f.lit(), 100);
+        f.bar.setValue(-1);
+        QCOMPARE(f.lit(), 0);
         f.bar.setValue(50);
         expectError([&] { f.bar.setMax(0); }, vberr::objectError(3), "Max property must be greater than Min.",
                     "CProgressBar.Max");
@@ -220,60 +209,33 @@ private slots:
                         "Canvas property must be of type PictureBox.", "CProgressBar.Canvas");
         QVERIFY(f.bar.Min() == 0 && f.bar.Max() == 100 && f.bar.Canvas() == &f.canvas);
         QCOMPARE(f.lit(), 50);
-
-        f.bar.setMax(40); // Value stays beyond the new Max: the whole bar lights
-        QCOMPARE(f.bar.Value(), 50);
-        QCOMPARE(f.lit(), 100);
-        f.bar.setMin(-2'000'000'000); // a range wider than 32 bits overflows when drawn
-        expectError([&] { f.bar.setMax(2'000'000'000); }, vberr::Overflow, "Overflow");
-
-        Fixture wide(100);
-        wide.canvas.resize(40000, 1); // more columns than a 16-bit block count holds
-        expectError([&] { wide.bar.Resize(); }, vberr::Overflow, "Overflow");
+        f.bar.setMax(40);
+        QVERIFY(f.bar.Value() == 50 && f.lit() == 100);
+        f.canvas.resize(40000, 1);
+        expectError([&] { f.bar.ResizeEx(); }, vberr::Overflow, "Overflow");
     }
 
-    // Resize lays out one block more than the canvas has columns inside; ResizeEx drops it and keeps
-    // the canvas's outer width, border included.
-    void litCountIsValueOverRangeRoundedHalfToEven() {
+    // One block per column inside the canvas, its outer width kept, border included; the lit share is
+    // Value over the range, rounded half to even. A property change redraws the bar's own rows only,
+    // without clearing the canvas first.
+    void drawing() {
         Fixture f(100);
-        f.bar.setMax(10);
-        f.bar.Resize(); // 101 blocks
-        f.bar.setValue(5);
-        QCOMPARE(f.lit(), 50); // 50.5
-        f.bar.ResizeEx();      // 100 blocks
-        QCOMPARE(f.lit(), 50);
-        f.bar.setMax(120);
-        f.bar.setMin(20);
-        f.bar.setValue(70);
-        QCOMPARE(f.lit(), 70); // Value itself over the range, not Value - Min
-
+        f.bar.setMax(8);
+        f.bar.setValue(1);
+        QCOMPARE(f.lit(), 12); // 12.5
+        f.bar.setValue(3);
+        QCOMPARE(f.lit(), 38); // 37.5
         Fixture g(107, 3);
         g.bar.setMax(4);
-        g.bar.Resize(); // 102 blocks
         g.bar.setValue(1);
-        QCOMPARE(g.lit(), 26); // 25.5
-        g.bar.ResizeEx();      // 101 blocks
-        QCOMPARE(g.lit(), 25);
-        QCOMPARE(g.canvas.Width(), 107);
-    }
+        QVERIFY(g.lit() == 25 && g.canvas.Width() == 107); // 101 blocks: 25.25
 
-    // Property changes redraw the bar's own rows only; Refresh(true) clears the canvas first.
-    void propertyChangesRedrawWithoutClearing() {
-        Fixture f(100);
         f.canvas.resize(100, 20); // grown without the bar being told; mark the new area
         f.canvas.setForeColor(0x0000FF00u);
         f.canvas.LineBF(0, 15, 99, 19);
-
-        f.bar.setValue(40);
-        f.bar.setMax(50);
         f.bar.setForeColor(0x00FFFFFFu);
-        f.bar.Refresh();
-        QCOMPARE(f.lit(10), 80);
+        QCOMPARE(f.lit(10), 38);
         QCOMPARE(f.canvas.image().pixel(50, 17), qRgb(0, 255, 0)); // the mark is kept
-        f.bar.Refresh(true);
-        QCOMPARE_NE(f.canvas.image().pixel(50, 17), qRgb(0, 255, 0));
-        f.bar.Resize(); // now the full height: 80.8
-        QCOMPARE(f.lit(), 81);
     }
 };
 

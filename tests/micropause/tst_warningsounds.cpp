@@ -17,6 +17,15 @@ namespace {
 
 const QString kFolder = "/opt/tarvo";
 
+// What a recording player hears of the warning, and how long the warning holds the caller: "beep @0
+// beep @250 ... / 1000".
+QString heard(void (Warnings::*warning)(), const SettingsRecord& settings) {
+    RecordingSoundPlayer player;
+    WarningSounds warnings(settings, player, kFolder);
+    (warnings.*warning)();
+    return player.log().join(u' ') + QStringLiteral(" / %1").arg(player.elapsed());
+}
+
 // A record whose three sound paths tell apart which one a form touched.
 SettingsRecord threePaths() {
     SettingsRecord settings;
@@ -30,16 +39,17 @@ SettingsRecord threePaths() {
 struct Form {
     Form(SettingsRecord& settings, int mode)
         : form(settings, mode, dialog) {}
-    template <typename T>
-    T* child(const char* name) const {
-        return form.findChild<T*>(QLatin1String(name));
-    }
-    QRadioButton* beeps() const { return child<QRadioButton>("optType_0"); }
-    QRadioButton* file() const { return child<QRadioButton>("optType_1"); }
-    void click(const char* button) const { child<QPushButton>(button)->click(); }
+    // optType_0 and optType_1, in the order the form makes them.
+    QRadioButton* option(int k) const { return form.findChildren<QRadioButton*>()[k]; }
+    void click(const char* button) const { form.findChild<QPushButton*>(QLatin1String(button))->click(); }
     void choose(const QString& path) {
         dialog.chooseNext(path);
         click("cmdSound");
+    }
+    // The option that is on (0 beeps, 1 the file; the pair is exclusive) and the file option's caption.
+    QString shows() const {
+        const int on = option(0)->isChecked() == option(1)->isChecked() ? -1 : option(1)->isChecked();
+        return QString::number(on) + u' ' + option(1)->text();
     }
 
     ScriptedFileDialog dialog;
@@ -55,26 +65,16 @@ private slots:
     // Without files, each warning's beeps and pauses; with files, the file in the warning's own mode
     // and nothing else. The notification has no file and beeps whatever the others have.
     void beepsOrFiles() {
-        // The warning, the moments of its beeps, how long it holds the caller, and what it plays instead.
-        const std::tuple<void (Warnings::*)(), const char*, int, const char*> cases[] = {
-            {&Warnings::AudibleWarningPre, "0 250 500 750", 1000, "sync /snd/pre.wav @0"},
-            {&Warnings::AudibleWarning, "0 166 1165 2164", 4162, "sync /snd/start.wav @0"},
-            {&Warnings::AudibleWarningX, "0 166 332 498 1497 2496 3495", 5493, "async /snd/exercise.wav @0"},
-            {&Warnings::AudibleNotification, "0", 0, "beep @0"}};
-        for (const auto& [warning, beeps, lasts, withFiles] : cases) {
-            SettingsRecord settings;
-            RecordingSoundPlayer player;
-            WarningSounds warnings(settings, player, kFolder);
-            (warnings.*warning)();
-            QCOMPARE(player.log().join(u' ').remove("beep @"), QLatin1String(beeps));
-            QCOMPARE(player.elapsed(), lasts);
-
-            SettingsRecord files = threePaths();
-            RecordingSoundPlayer filePlayer;
-            WarningSounds withFile(files, filePlayer, kFolder);
-            (withFile.*warning)();
-            QCOMPARE(filePlayer.log(), QStringList{QLatin1String(withFiles)});
-            QCOMPARE(filePlayer.elapsed(), 0);
+        // The warning, the moments of its beeps and how long it holds the caller, and what it plays instead.
+        const std::tuple<void (Warnings::*)(), const char*, const char*> cases[] = {
+            {&Warnings::AudibleWarningPre, "0 250 500 750 / 1000", "sync /snd/pre.wav @0 / 0"},
+            {&Warnings::AudibleWarning, "0 166 1165 2164 / 4162", "sync /snd/start.wav @0 / 0"},
+            {&Warnings::AudibleWarningX, "0 166 332 498 1497 2496 3495 / 5493",
+             "async /snd/exercise.wav @0 / 0"},
+            {&Warnings::AudibleNotification, "0 / 0", "beep @0 / 0"}};
+        for (const auto& [warning, beeps, withFiles] : cases) {
+            QCOMPARE(heard(warning, {}).remove("beep @"), QLatin1String(beeps));
+            QCOMPARE(heard(warning, threePaths()), QLatin1String(withFiles));
         }
     }
 
@@ -90,54 +90,32 @@ private slots:
         for (const auto& [stored, played] : cases) {
             SettingsRecord settings;
             settings.WarningSound = QString::fromLatin1(stored);
-            RecordingSoundPlayer player;
-            WarningSounds(settings, player, kFolder).AudibleWarning();
-            QCOMPARE(player.log(), QStringList{QStringLiteral("sync %1 @0").arg(QLatin1String(played))});
+            QCOMPARE(heard(&Warnings::AudibleWarning, settings),
+                     QStringLiteral("sync %1 @0 / 0").arg(played));
         }
     }
 
-    // Modes 0, 1 and 2 show and edit WarningSound, WarningSoundX and WarningSoundPre.
-    void modeChoosesTheWarning() {
+    // Modes 0, 1 and 2 show and edit WarningSound, WarningSoundX and WarningSoundPre: OK stores the
+    // chosen file in the mode's own path only. A mode that names no warning has no path to show: beeps,
+    // and nothing is stored, even with a file chosen.
+    void eachModeItsWarning() {
         QString SettingsRecord::*const field[] = {
             &SettingsRecord::WarningSound, &SettingsRecord::WarningSoundX, &SettingsRecord::WarningSoundPre};
-        const char* const caption[] = {"Sound card (start.wav)", "Sound card (exercise.wav)",
-                                       "Sound card (pre.wav)"};
-        for (int mode = 0; mode < 3; ++mode) {
+        const char* const shown[] = {"1 Sound card (start.wav)", "1 Sound card (exercise.wav)",
+                                     "1 Sound card (pre.wav)", "0 Sound card audio file"};
+        for (int mode = -1; mode < 4; ++mode) {
+            const bool names = mode >= 0 && mode < 3;
             SettingsRecord settings = threePaths();
             Form f(settings, mode);
-            QVERIFY(f.file()->isChecked() && !f.beeps()->isChecked());
-            QCOMPARE(f.file()->text(), QLatin1String(caption[mode]));
-
+            QCOMPARE(f.shows(), QLatin1String(shown[names ? mode : 3]));
             f.choose("/home/u/Music/gong.wav");
-            QCOMPARE(f.file()->text(), "Sound card (gong.wav)");
-            QCOMPARE(f.dialog.requests().size(), 1u);
-            QCOMPARE(f.dialog.requests().front().filter, "Audio|*.wav|All files|*.*");
-            QVERIFY(f.dialog.requests().front().fileMustExist);
+            QCOMPARE(f.shows(), "1 Sound card (gong.wav)");
             f.click("cmdOK");
-            QCOMPARE(f.form.result(), int(QDialog::Accepted));
-            SettingsRecord expected = threePaths(); // the other two warnings keep theirs
-            expected.*field[mode] = "/home/u/Music/gong.wav";
-            QVERIFY2(settings == expected, caption[mode]);
-        }
-    }
-
-    // An empty path shows beeps; a mode that names no warning shows beeps and, even with a file
-    // chosen, stores nothing.
-    void beepsWhenThereIsNoFile() {
-        for (const int mode : {1, 7, -1}) {
-            SettingsRecord settings = threePaths();
-            if (mode == 1)
-                settings.WarningSoundX.clear();
-            const SettingsRecord before = settings;
-            Form f(settings, mode);
-            QVERIFY(f.beeps()->isChecked() && !f.file()->isChecked());
-            QCOMPARE(f.file()->text(), "Sound card audio file");
-            if (mode != 1) {
-                f.choose("/tmp/chime.wav");
-                QCOMPARE(f.file()->text(), "Sound card (chime.wav)");
-            }
-            f.click("cmdOK");
-            QVERIFY2(settings == before, qPrintable(QString::number(mode)));
+            SettingsRecord expected = threePaths(); // the other warnings keep theirs
+            if (names)
+                expected.*field[mode] = "/home/u/Music/gong.wav";
+            QVERIFY2(f.form.result() == QDialog::Accepted && settings == expected,
+                     qPrintable(QString::number(mode)));
         }
     }
 
@@ -148,10 +126,10 @@ private slots:
             SettingsRecord settings = threePaths();
             Form f(settings, 2);
             f.choose("/tmp/chime.wav");
-            f.beeps()->click();
-            QVERIFY(!f.file()->isChecked());
+            f.option(0)->click();
+            QCOMPARE(f.shows(), "0 Sound card (chime.wav)");
             if (takenBack)
-                f.file()->click();
+                f.option(1)->click();
             f.click("cmdOK");
             QCOMPARE(settings.WarningSoundPre, takenBack ? QStringLiteral("/tmp/chime.wav") : QString());
         }
@@ -160,12 +138,10 @@ private slots:
         Form f(settings, 0);
         f.dialog.cancelNext();
         f.click("cmdSound");
-        QVERIFY(f.file()->isChecked());
-        QCOMPARE(f.file()->text(), "Sound card (start.wav)");
+        QCOMPARE(f.shows(), "1 Sound card (start.wav)");
         f.choose("/tmp/other.wav");
         f.click("cmdCancel");
-        QCOMPARE(f.form.result(), int(QDialog::Rejected));
-        QVERIFY(settings == threePaths());
+        QVERIFY(f.form.result() == QDialog::Rejected && settings == threePaths());
     }
 };
 

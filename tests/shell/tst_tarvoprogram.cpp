@@ -6,6 +6,7 @@
 #include "core/RuntimeError.h"
 #include "engine/BreakEngine.h"
 #include "engine/SchemeStore.h"
+#include "micropause/MainForm.h"
 #include "micropause/frmTarvo.h"
 #include "platform/fake/FakeSingleInstance.h"
 #include "platform/fake/FakeTrayIcon.h"
@@ -42,12 +43,11 @@ struct Folder {
 struct Rig : Folder, FakeContext {
     Rig()
         : FakeContext(folder.path())
-        , shell{instance, tray, processes, folder.filePath("windows"), [this] { ++releases; }} {}
+        , shell{instance, tray, processes, folder.filePath("windows")} {}
 
     RecordingProcessRunner processes;
     FakeSingleInstance instance;
     FakeTrayIcon tray;
-    int releases = 0; // of memory the idle program does not need
     ShellContext shell;
     TarvoProgram program{ctx, shell, QIcon()};
     QStringList writtenKeys() const {
@@ -117,14 +117,21 @@ private slots:
         QVERIFY(rig.program.engine().tMinutes().isEnabled() && rig.program.engine().tSeconds().isEnabled());
         QVERIFY(rig.ctx.record.InterruptEvery == 7 && rig.ctx.schedule.MinutesToMicropause == 7);
         QCOMPARE(rig.ctx.schedule.LastActivityTimes, (std::array<std::int32_t, 2>{1000, 1000}));
-        QVERIFY(rig.tray.added() && rig.tray.tip() == "Tarvo Micropause" && !rig.program.form().isVisible());
-        QVERIFY(rig.ctx.exercises.CurrentScheme == "*Medium break" &&
-                rig.program.engine().exercise().ExercisesPerBreak == 6); // "NumAtaTime" at start-up
-        rig.timeline.advance(9999);
-        QCOMPARE(rig.releases, 0);
-        rig.timeline.advance(60000);
-        QCOMPARE(rig.releases, 1); // once, when start-up has settled
+        QVERIFY(rig.tray.added() && !rig.program.mainForm().form());
+        QCOMPARE(rig.ctx.exercises.CurrentScheme, "*Medium break");
+        QCOMPARE(rig.program.engine().exercise().ExercisesPerBreak, 6); // "NumAtaTime" at start-up
 
+        QCOMPARE(rig.tray.tip(), "Tarvo Micropause");
+
+        // The icon's right click and another start's key code pop the menu up; the menu's items act.
+        rig.tray.onPopUp = [&](QMenu& menu) {
+            menu.findChild<QAction*>("mnuPopupStatus")->trigger();
+            menu.findChild<QAction*>("mnuDemoMicropause")->trigger();
+        };
+        rig.tray.deliver(0x205);
+        QVERIFY(rig.program.mainForm().form()->isVisible() && rig.ctx.schedule.InMicropause);
+        QVERIFY(rig.instance.deliverKeyDown(0));
+        QCOMPARE(rig.tray.popUps().size(), size_t(2));
         // "&Exercise Now!": the exercise warning, then a break with "NumAtaTime" read afresh (the
         // store holds no exercises here, so the break ends before it shows anything).
         rig.store.model().setValue("Exercise", "NumAtaTime", "3");

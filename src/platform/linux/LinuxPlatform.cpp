@@ -10,7 +10,6 @@
 #include "platform/linux/QtMessageBox.h"
 #include "platform/linux/QtTimer.h"
 #include "platform/linux/QtTrayIcon.h"
-#include "platform/linux/ResidentPages.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/SystemRandom.h"
 #include "platform/linux/XkbStateFollower.h"
@@ -29,7 +28,6 @@ std::unique_ptr<MessageBox> createMessageBox() {
 
 void releaseFreedMemory() {
     malloc_trim(0);
-    releaseReadOnlyFilePages();
 }
 
 struct LinuxPlatform::Seams {

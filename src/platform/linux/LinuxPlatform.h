@@ -29,10 +29,9 @@ std::unique_ptr<SingleInstance> createSingleInstance();
 // object.
 std::unique_ptr<MessageBox> createMessageBox();
 
-// Hands the memory that the allocator holds free back to the system, and lets go of the pages of the
-// program's and libraries' files that were only read (see ResidentPages.h): once start-up has settled,
-// and after a break, whose windows and pictures leave the heap with free pages that it would otherwise
-// keep for the whole run.
+// Hands the memory that the allocator holds free back to the system: after a break, once its screen is
+// gone, whose windows and pictures leave the heap with free pages that it would otherwise keep for the
+// whole run.
 void releaseFreedMemory();
 
 // Every seam of the running program on a Linux desktop. This header is the folder's face (beside
