@@ -17,6 +17,8 @@ cleanup() {
     rm -rf "$work"
 }
 trap cleanup EXIT
+# A command that fails outside a check ends the script under errexit; say which, rather than nothing.
+trap 'echo "FAIL: stopped at line $LINENO by: $BASH_COMMAND"' ERR
 fail() { echo "FAIL: $*"; [ -s "$work/tarvo.err" ] && sed 's/^/  tarvo: /' "$work/tarvo.err"; exit 1; }
 
 # A fresh profile: its settings file is $store.
@@ -56,7 +58,9 @@ start_trayer() { # [more trayer options]
 }
 
 visible_window() { xdotool search --onlyvisible --name "$1" >/dev/null 2>&1; }
-shown() { xdotool search --onlyvisible --pid "$tarvo" 2>/dev/null | wc -l; }
+# How many of the program's windows are seen; none is a count too (xdotool's "not found" status must
+# not end a script that runs with errexit and pipefail).
+shown() { { xdotool search --onlyvisible --pid "$tarvo" 2>/dev/null || :; } | wc -l; }
 more_shown_than() { [ "$(shown)" -gt "$1" ]; }
 
 # The icon docks: one of the program's windows ends up inside trayer's panel. Prints that window.
