@@ -27,7 +27,7 @@ struct EngineRig : FakeContext, tarvo::MainView, tarvo::ExerciseView, tarvo::War
     tarvo::SchedulerState& state = ctx.schedule;
     Bar bar;
     QStringList log, shows;
-    QString exerciseText, voluntaryText, lastText, sourceText;
+    QString exerciseText, voluntaryText, lastText, sourceText, presenceText;
     int voluntaryWrites = 0;
     tarvo::BreakEngine engine{ctx, *this, *this, *this};
     tarvo::ExerciseSequencer& exercise = engine.exercise();
@@ -66,6 +66,7 @@ struct EngineRig : FakeContext, tarvo::MainView, tarvo::ExerciseView, tarvo::War
         ++voluntaryWrites;
     }
     void showActivitySource(const QString& t) override { sourceText = t; }
+    void showPresenceStatus(const QString& t) override { presenceText = t; }
     void AudibleWarningPre() override { note("pre"); }
     void AudibleWarning() override { note("warning"); }
     void AudibleWarningX() override { note("X"); }

@@ -48,12 +48,15 @@ private slots:
         QVERIFY(r.InterruptFor == 15 && r.InterruptEvery == 4 && r.IntelliReset == 1 && r.Audible == 1);
         QVERIFY(r.WarningSound.isEmpty() && r.AudiblePre == 1 && r.WarningSoundPre.isEmpty());
         QVERIFY(r.DisableEsc == 0 && r.Blank == 1 && (r.Monitor == std::array<std::int32_t, 2>{1, 1}));
+        QVERIFY(r.LockPause == 1 && r.HoldFullScreen == 1 && r.HoldDoNotDisturb == 1 &&
+                r.HoldInhibited == 1 && r.HoldLimit == 0);
         QCOMPARE(r.Warning, "Hands off Keyboard && Mouse, look away, relax.");
 
         QCOMPARE(store.reads().join(' ').remove("Exercise/").remove("Micropause/"),
                  "Scheme EveryM AudibleX WarningSoundX BlankX ViewAm xStart NumAtaTime InterruptFor "
                  "InterruptEvery IntelliReset Audible WarningSound AudiblePre WarningSoundPre DisableEsc "
-                 "DisableEsc2 Blank Warning Monitor0 Monitor1");
+                 "DisableEsc2 Blank Warning Monitor0 Monitor1 Presence/LockPause Presence/HoldFullScreen "
+                 "Presence/HoldDoNotDisturb Presence/HoldInhibited Presence/HoldLimit");
         QVERIFY(store.reads().first().startsWith("Exercise/") && store.reads()[8].startsWith("Micropause/"));
         QCOMPARE(log.steps, (QStringList{"scheme *Medium break @1",
                                          "warning Hands off Keyboard && Mouse, look away, relax. @19",

@@ -1,0 +1,134 @@
+// Breaks and the person at the machine, on simulated time: a locked screen as a pause, and breaks held
+// while the person is busy, the limit, and a natural pause that covers a held micropause.
+#include "engine/EngineRig.h"
+
+#include <QtTest>
+
+using namespace tarvo;
+
+namespace {
+
+// The breaks and warnings of the log, "<minute> <what>".
+QString breaks(const QStringList& log) {
+    QStringList kept;
+    for (const QString& e : log)
+        if (QStringList{"X", "prompt", "pre", "micropause", "notification"}.contains(e.section(' ', 1, 1)))
+            kept << e.section(' ', 0, 1);
+    return kept.join(", ");
+}
+
+// Each second, a key on channel 0, or nothing for channel -1.
+void seconds(EngineRig& rig, int count, int channel = 0) {
+    for (int s = 0; s < count; ++s) {
+        rig.timeline.advance(1000);
+        if (channel >= 0)
+            rig.monitor.input(channel, rig.clock.tickCount());
+    }
+}
+
+} // namespace
+
+class TestPresenceHold : public QObject {
+    Q_OBJECT
+
+private slots:
+    // InterruptFor 15 and EveryM 50: a lock of 30 s or 2 min is a natural micropause, one of an hour
+    // also starts the exercise countdown afresh and drops the prompt that fell due meanwhile.
+    void aLockedScreenIsAPause() {
+        EngineRig rig;
+        rig.engine.scheduler().SetTimers();
+        rig.engine.micropause().TarvoMicropause(); // on screen when the lock comes: ends as taken, quietly
+        seconds(rig, 1);
+        rig.presence.set(PresenceCondition::Locked, true);
+        QVERIFY(!rig.state.InMicropause);
+        QCOMPARE(rig.presenceText, "Screen locked");
+        QCOMPARE(rig.lastText, "Last tarvo micropause: 09:00");
+        QCOMPARE(breaks(rig.log), "0 micropause");
+        rig.presence.set(PresenceCondition::Locked, false);
+        QCOMPARE(rig.presenceText, "");
+
+        seconds(rig, 10 * 60 - 1); // typing until 09:10
+        const auto lock = [&](int lockedSeconds) {
+            rig.presence.set(PresenceCondition::Locked, true);
+            seconds(rig, lockedSeconds); // the password typed meanwhile is no natural pause
+            rig.voluntaryText.clear();
+            rig.presence.set(PresenceCondition::Locked, false);
+        };
+        lock(30);
+        QCOMPARE(rig.voluntaryText, "Last natural micropause: 09:10");
+        QCOMPARE(rig.state.MinutesToExercise, 40);
+        lock(120);
+        QCOMPARE(rig.voluntaryText, "Last natural micropause: 09:12");
+        QCOMPARE(rig.state.MinutesToExercise, 38);
+        lock(60 * 60);
+        QCOMPARE(rig.state.MinutesToExercise, 50);
+        QVERIFY(!rig.state.ExercisePromptPending);
+        seconds(rig, 10);
+        QCOMPARE(breaks(rig.log), "0 micropause"); // nothing came during or after the locks
+
+        rig.settings.LockPause = 0; // off: a lock is nothing special
+        rig.presence.set(PresenceCondition::Locked, true);
+        QCOMPARE(rig.presenceText, "");
+        seconds(rig, 50 * 60);
+        QCOMPARE(breaks(rig.log), "0 micropause, 122 X, 122 prompt");
+    }
+
+    // A full-screen window holds a due micropause, its pre-warning and the prompt; when it goes they
+    // come once, within seconds, and the schedule after them keeps its minutes.
+    void aBusyPersonHoldsBreaks() {
+        EngineRig rig;
+        rig.settings.EveryM = 1;
+        rig.settings.InterruptEvery = 2;
+        rig.engine.scheduler().SetTimers();
+        rig.presence.set(PresenceCondition::FullScreen, true);
+        QCOMPARE(rig.presenceText, "Held: full-screen window");
+        rig.run(5, 0);    // due: 1 prompt, 2 pre, 3 micropause, 4 pre, 5 micropause
+        seconds(rig, 80); // and 6 pre
+        // Switching between two full-screen windows lets nothing slip in between.
+        rig.presence.set(PresenceCondition::FullScreen, false);
+        seconds(rig, 1);
+        rig.presence.set(PresenceCondition::FullScreen, true);
+        seconds(rig, 10);
+        QCOMPARE(breaks(rig.log), "");
+        rig.presence.set(PresenceCondition::FullScreen, false);
+        QCOMPARE(rig.presenceText, "");
+        seconds(rig, 5);
+        QCOMPARE(breaks(rig.log), "6 X, 6 prompt, 6 micropause");
+        seconds(rig, 2 * 60); // the late break moved none of the others
+        QCOMPARE(breaks(rig.log),
+                 "6 X, 6 prompt, 6 micropause, 6 notification, 7 micropause, 7 notification, 8 pre");
+    }
+
+    // Do-not-disturb holds; an idle inhibitor whose option is off does not. A natural pause during
+    // the hold covers the held micropause, not the prompt. With a limit of 3 minutes, held breaks
+    // come anyway.
+    void naturalPausesAndTheLimit() {
+        EngineRig rig;
+        rig.settings.EveryM = 1;
+        rig.settings.InterruptEvery = 2;
+        rig.settings.HoldInhibited = 0;
+        rig.engine.scheduler().SetTimers();
+        rig.presence.set(PresenceCondition::IdleInhibited, true);
+        rig.presence.set(PresenceCondition::DoNotDisturb, true);
+        QCOMPARE(rig.presenceText, "Held: do not disturb");
+        rig.run(3, 0);
+        seconds(rig, 40, -1);
+        QCOMPARE(rig.voluntaryText, "Last natural micropause: 09:03");
+        rig.presence.set(PresenceCondition::DoNotDisturb, false);
+        QCOMPARE(rig.presenceText, "");
+        seconds(rig, 5);
+        QCOMPARE(breaks(rig.log), "3 X, 3 prompt");
+
+        EngineRig limited;
+        limited.settings.EveryM = 1;
+        limited.settings.InterruptEvery = 2;
+        limited.settings.HoldLimit = 3;
+        limited.engine.scheduler().SetTimers();
+        limited.presence.set(PresenceCondition::FullScreen, true);
+        limited.run(4, 0);
+        QCOMPARE(breaks(limited.log), "4 X, 4 prompt, 4 micropause");
+    }
+};
+
+QTEST_GUILESS_MAIN(TestPresenceHold)
+#include "tst_presencehold.moc"
