@@ -41,6 +41,19 @@ signals:
                            const QStringList& invalidated);
 };
 
+// The bus's own word that the connection is gone (the bus daemon ended), from libdbus itself.
+class LocalProxy : public QDBusAbstractInterface {
+    Q_OBJECT
+
+public:
+    explicit LocalProxy(const QDBusConnection& bus)
+        : QDBusAbstractInterface(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                                 "org.freedesktop.DBus.Local", bus, nullptr) {}
+
+signals:
+    void Disconnected();
+};
+
 class ScreenSaverProxy : public QDBusAbstractInterface {
     Q_OBJECT
 
@@ -163,6 +176,12 @@ BusPresence::BusPresence(const QDBusConnection& session, const QDBusConnection& 
     , changed_(std::move(changed))
     , context_(std::make_unique<QObject>()) {
     if (session_.isConnected()) {
+        onDisconnection(session_, [this] {
+            notifications_.reset();
+            sessionManager_.reset();
+            freedesktopSaver_.reset();
+            gnomeSaver_.reset();
+        });
         notifications_ = std::make_unique<BusProperty>(
             session_, QLatin1String(kNotifications), QStringLiteral("/org/freedesktop/Notifications"),
             QLatin1String(kNotifications), QStringLiteral("Inhibited"), isTrue, changed_);
@@ -178,11 +197,24 @@ BusPresence::BusPresence(const QDBusConnection& session, const QDBusConnection& 
         gnomeSaver_ =
             std::make_unique<ScreenSaverWatch>(session_, kGnomeSaver, "/org/gnome/ScreenSaver", changed_);
     }
-    if (system_.isConnected())
+    if (system_.isConnected()) {
+        onDisconnection(system_, [this] { lockedHint_.reset(); });
         findSession();
+    }
 }
 
 BusPresence::~BusPresence() = default;
+
+void BusPresence::onDisconnection(const QDBusConnection& bus, std::function<void()> drop) {
+    // The bus daemon ended: its services' conditions no longer hold, and none of them is followed any
+    // more (a new daemon is a new session, whose services a new start of the program follows).
+    auto* local = new LocalProxy(bus);
+    local->setParent(context_.get());
+    QObject::connect(local, &LocalProxy::Disconnected, context_.get(), [this, drop = std::move(drop)] {
+        drop();
+        changed_();
+    });
+}
 
 void BusPresence::findSession() {
     // This session's object, by the session id that the login set, or by this process.

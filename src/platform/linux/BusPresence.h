@@ -38,12 +38,13 @@ public:
 
 private:
     void findSession();
+    void onDisconnection(const QDBusConnection& bus, std::function<void()> drop);
 
     QDBusConnection session_, system_;
     std::function<void()> changed_;
     std::unique_ptr<BusProperty> lockedHint_, notifications_, sessionManager_;
     std::unique_ptr<ScreenSaverWatch> freedesktopSaver_, gnomeSaver_;
-    std::unique_ptr<QObject> context_; // owns the call that looks for the session
+    std::unique_ptr<QObject> context_; // owns the call that looks for the session and the bus watches
 };
 
 } // namespace tarvo

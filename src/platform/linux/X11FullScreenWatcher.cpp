@@ -30,6 +30,7 @@ X11FullScreenWatcher::X11FullScreenWatcher(xcb_connection_t* connection, std::fu
     const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_change_window_attributes(connection_, root_, XCB_CW_EVENT_MASK, &mask);
     followActive();
+    service(); // what came along with the replies
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { service(); });
 }
 
@@ -49,26 +50,32 @@ std::uint32_t X11FullScreenWatcher::atom(const char* name) const {
 
 void X11FullScreenWatcher::service() {
     ++wakeups_;
-    bool activeChanged = false, stateChanged = false;
-    while (xcb_generic_event_t* event = xcb_poll_for_event(connection_)) {
-        if ((event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY) {
-            const auto* notify = reinterpret_cast<const xcb_property_notify_event_t*>(event);
-            activeChanged |= notify->window == root_ && notify->atom == activeAtom_;
-            stateChanged |= notify->window == active_ && notify->atom == stateAtom_;
-        }
-        std::free(event); // an error (a window that went away under a request) says nothing new
-    }
-    if (xcb_connection_has_error(connection_)) {
-        notifier_->setEnabled(false); // a closed socket stays readable: never spin on it
-        fullScreen_ = false;
-        changed_();
-        return;
-    }
     const bool before = fullScreen_;
-    if (activeChanged)
-        followActive();
-    else if (stateChanged)
-        readState();
+    // The replies read while following a change may bring further events along, which then wait in
+    // XCB's queue, not on the socket: they are taken too before the next wait for the socket.
+    for (bool readSocket = true;; readSocket = false) {
+        bool activeChanged = false, stateChanged = false;
+        while (xcb_generic_event_t* event =
+                   readSocket ? xcb_poll_for_event(connection_) : xcb_poll_for_queued_event(connection_)) {
+            if ((event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY) {
+                const auto* notify = reinterpret_cast<const xcb_property_notify_event_t*>(event);
+                activeChanged |= notify->window == root_ && notify->atom == activeAtom_;
+                stateChanged |= notify->window == active_ && notify->atom == stateAtom_;
+            }
+            std::free(event); // an error (a window that went away under a request) says nothing new
+        }
+        if (xcb_connection_has_error(connection_)) {
+            notifier_->setEnabled(false); // a closed socket stays readable: never spin on it
+            fullScreen_ = false;
+            break;
+        }
+        if (activeChanged)
+            followActive();
+        else if (stateChanged)
+            readState();
+        else
+            break;
+    }
     if (fullScreen_ != before)
         changed_();
 }

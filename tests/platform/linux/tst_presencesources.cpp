@@ -1,0 +1,176 @@
+// Where the program learns that the person is away or busy: logind on a private system bus, a screen
+// saver, the notification server and GNOME's session manager on a private session bus (stand-ins that
+// also send wrong types, do not know the session, leave and come back), and the X11 window manager's
+// full-screen state under openbox on a private Xvfb.
+#include "BusStandIn.h"
+#include "platform/linux/DesktopPresence.h"
+#include "platform/linux/X11FullScreenWatcher.h"
+#include "support/XvfbServer.h"
+
+#include <QDBusObjectPath>
+#include <QProcess>
+#include <QTest>
+
+using namespace tarvo;
+
+namespace {
+
+struct Count : PresenceMonitor::Listener {
+    int changes = 0;
+    void presenceChanged() override { ++changes; }
+};
+
+QByteArray startBus(QProcess& bus) {
+    bus.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
+    return bus.waitForReadyRead(10000) ? bus.readLine().trimmed() : QByteArray();
+}
+
+} // namespace
+
+class TestPresenceSources : public QObject {
+    Q_OBJECT
+
+private:
+    QProcess sessionBus_, systemBus_;
+    QString session_, system_;
+
+private slots:
+    void initTestCase() {
+        if (QStandardPaths::findExecutable("dbus-daemon").isEmpty())
+            QSKIP("dbus-daemon is not installed");
+        session_ = QString::fromLatin1(startBus(sessionBus_));
+        system_ = QString::fromLatin1(startBus(systemBus_));
+        QVERIFY(!session_.isEmpty() && !system_.isEmpty());
+    }
+    void cleanupTestCase() {
+        for (QProcess* bus : {&sessionBus_, &systemBus_}) {
+            bus->kill();
+            bus->waitForFinished();
+        }
+    }
+
+    void busSources() {
+        const QString session = "/session/_32";
+        BusStandIn logind(system_, "logind", "/org/freedesktop/login1");
+        logind.answers["GetSession"] =
+            QVariant::fromValue(QDBusObjectPath("/org/freedesktop/login1" + session));
+        logind.answers["org.freedesktop.login1.Session.LockedHint"] = true;
+        QVERIFY(logind.enter("org.freedesktop.login1"));
+        BusStandIn saver(session_, "saver", "/ScreenSaver");
+        saver.answers["GetActive"] = false;
+        QVERIFY(saver.enter("org.freedesktop.ScreenSaver"));
+        BusStandIn notifications(session_, "notifications", "/org/freedesktop/Notifications");
+        notifications.answers["org.freedesktop.Notifications.Inhibited"] = false;
+        QVERIFY(notifications.enter("org.freedesktop.Notifications"));
+        BusStandIn gnome(session_, "gnome-session", "/org/gnome/SessionManager");
+        gnome.answers["org.gnome.SessionManager.InhibitedActions"] = 4u; // suspend only, not idle
+        QVERIFY(gnome.enter("org.gnome.SessionManager"));
+
+        const auto sessionBus = QDBusConnection::connectToBus(session_, "program-session");
+        const auto systemBus = QDBusConnection::connectToBus(system_, "program-system");
+        qputenv("XDG_SESSION_ID", "2");
+        DesktopPresence presence(sessionBus, systemBus, {}, false);
+        Count count;
+        presence.setListener(&count);
+        QCOMPARE(presence.report(), "tarvo: presence followed through logind, the screen saver, the "
+                                    "notification server, GNOME's session manager");
+        QTRY_VERIFY(presence.holds(PresenceCondition::Locked)); // logind's hint, read at start
+        logind.change("org.freedesktop.login1.Session", "LockedHint", false, session);
+        QTRY_VERIFY(!presence.holds(PresenceCondition::Locked));
+        QVERIFY(count.changes >= 2);
+
+        saver.emitSignal("org.freedesktop.ScreenSaver", "ActiveChanged", {true});
+        QTRY_VERIFY(presence.holds(PresenceCondition::Locked));
+        saver.emitSignal("org.freedesktop.ScreenSaver", "ActiveChanged", {false});
+        QTRY_VERIFY(!presence.holds(PresenceCondition::Locked));
+
+        gnome.change("org.gnome.SessionManager", "InhibitedActions", 8u | 4u);
+        QTRY_VERIFY(presence.holds(PresenceCondition::IdleInhibited));
+        gnome.change("org.gnome.SessionManager", "InhibitedActions", 4u); // suspend only
+        QTRY_VERIFY(!presence.holds(PresenceCondition::IdleInhibited));
+        gnome.change("org.gnome.SessionManager", "InhibitedActions", 8u);
+        QTRY_VERIFY(presence.holds(PresenceCondition::IdleInhibited));
+        gnome.change("org.gnome.SessionManager", "InhibitedActions", 8); // signed: the wrong type
+        QTRY_VERIFY(!presence.holds(PresenceCondition::IdleInhibited));
+
+        notifications.change("org.freedesktop.Notifications", "Inhibited", true);
+        QTRY_VERIFY(presence.holds(PresenceCondition::DoNotDisturb));
+        // The notification server restarts: gone, nothing holds; back, it is followed again.
+        QVERIFY(notifications.leave("org.freedesktop.Notifications"));
+        QTRY_VERIFY(!presence.holds(PresenceCondition::DoNotDisturb));
+        QVERIFY(notifications.enter("org.freedesktop.Notifications"));
+        QTRY_VERIFY(presence.holds(PresenceCondition::DoNotDisturb));
+        notifications.change("org.freedesktop.Notifications", "Inhibited", QString("true")); // wrong type
+        QTRY_VERIFY(!presence.holds(PresenceCondition::DoNotDisturb));
+
+        // A session that logind does not know: its lock is never seen; the system bus going away
+        // altogether is no harm either.
+        qputenv("XDG_SESSION_ID", "99");
+        logind.answers.erase("GetSession");
+        DesktopPresence unknown(sessionBus, systemBus, {}, false);
+        logind.change("org.freedesktop.login1.Session", "LockedHint", true, session);
+        QTRY_VERIFY(presence.holds(PresenceCondition::Locked)); // after logind's answer to `unknown`
+        QVERIFY(!unknown.holds(PresenceCondition::Locked));
+        systemBus_.kill();
+        systemBus_.waitForFinished();
+        QTRY_VERIFY(!presence.holds(PresenceCondition::Locked));
+        qunsetenv("XDG_SESSION_ID");
+    }
+
+    // A real window put full screen and back through openbox; the watcher follows the active window and
+    // wakes for nothing while an inactive window changes.
+    void x11FullScreen() {
+        for (const char* tool : {"Xvfb", "openbox", "xmessage", "wmctrl"})
+            if (QStandardPaths::findExecutable(tool).isEmpty())
+                QSKIP("a tool of the X11 test is not installed");
+        XvfbServer xvfb;
+        QVERIFY(xvfb.start());
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("DISPLAY", QString::fromLatin1(xvfb.display()));
+        QProcess wm, work, other;
+        for (QProcess* p : {&wm, &work, &other})
+            p->setProcessEnvironment(environment);
+        const auto run = [&](const QString& program, const QStringList& arguments) {
+            QProcess p;
+            p.setProcessEnvironment(environment);
+            p.start(program, arguments);
+            p.waitForFinished(10000);
+            return p.exitCode() == 0;
+        };
+        int changes = 0;
+        auto watcher = X11FullScreenWatcher::open(xvfb.display(), [&] { ++changes; });
+        QVERIFY(watcher && !watcher->windowManager());
+        wm.start("openbox", {});
+        QTRY_VERIFY_WITH_TIMEOUT(run("wmctrl", {"-m"}), 10000);
+        work.start("xmessage", {"-title", "Work", "Work"});
+        other.start("xmessage", {"-title", "Other", "Other"});
+        // Both managed by the window manager (on its client list), the last one mapped active.
+        QTRY_VERIFY_WITH_TIMEOUT(run("sh", {"-c", "wmctrl -l | grep -q Work && wmctrl -l | grep -q Other"}),
+                                 10000);
+        QVERIFY(watcher->windowManager());
+        QVERIFY(run("wmctrl", {"-a", "Work"}));
+        QVERIFY(run("wmctrl", {"-r", "Work", "-b", "add,fullscreen"}));
+        QTRY_VERIFY(watcher->fullScreen());
+        // Twenty changes of a window that is not the active one: at most what the full-screen change
+        // itself still had on its way.
+        const std::uint64_t wakeups = watcher->wakeups();
+        for (int i = 0; i < 20; ++i)
+            QVERIFY(run("wmctrl", {"-r", i ? "Renamed" : "Other", "-N", "Renamed"}));
+        QTRY_VERIFY(run("sh", {"-c", "wmctrl -l | grep -q Renamed"}));
+        QVERIFY(watcher->wakeups() <= wakeups + 2);
+        QVERIFY(run("wmctrl", {"-a", "Renamed"})); // another window takes the focus
+        QTRY_VERIFY(!watcher->fullScreen());
+        QVERIFY(run("wmctrl", {"-a", "Work"}));
+        QTRY_VERIFY(watcher->fullScreen());
+        QVERIFY(run("wmctrl", {"-r", "Work", "-b", "remove,fullscreen"}));
+        QTRY_VERIFY(!watcher->fullScreen());
+        QVERIFY(changes >= 4);
+        for (QProcess* p : {&other, &work, &wm}) {
+            p->kill();
+            p->waitForFinished();
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TestPresenceSources)
+#include "tst_presencesources.moc"
