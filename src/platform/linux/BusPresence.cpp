@@ -19,6 +19,7 @@ constexpr char kNotifications[] = "org.freedesktop.Notifications";
 constexpr char kSessionManager[] = "org.gnome.SessionManager";
 constexpr char kFreedesktopSaver[] = "org.freedesktop.ScreenSaver";
 constexpr char kGnomeSaver[] = "org.gnome.ScreenSaver";
+constexpr char kPortal[] = "org.freedesktop.portal.Desktop";
 // GNOME's session manager: the flag of InhibitedActions that keeps the session from idling.
 constexpr uint kInhibitIdle = 8;
 
@@ -65,7 +66,85 @@ signals:
     void ActiveChanged(bool active);
 };
 
+// The desktop portal's settings, where GNOME's backend passes its own on (GNOME's do-not-disturb is
+// its notifications' show-banners turned off).
+class PortalSettingsProxy : public QDBusAbstractInterface {
+    Q_OBJECT
+
+public:
+    explicit PortalSettingsProxy(const QDBusConnection& bus)
+        : QDBusAbstractInterface(QLatin1String(kPortal), QStringLiteral("/org/freedesktop/portal/desktop"),
+                                 "org.freedesktop.portal.Settings", bus, nullptr) {}
+
+signals:
+    void SettingChanged(const QString& space, const QString& key, const QDBusVariant& value);
+};
+
+// Asks a question of a proxy's service without starting it: reading a notification server's setting
+// must not bring up a notification server that the desktop does not run.
+QDBusPendingCall ask(const QDBusAbstractInterface& proxy, const QString& method,
+                     const QVariantList& arguments = {}) {
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(proxy.service(), proxy.path(), proxy.interface(), method);
+    call.setArguments(arguments);
+    call.setAutoStartService(false);
+    return proxy.connection().asyncCall(call);
+}
+
+// A value as the portal sends it: Read wraps it in one variant more than SettingChanged does.
+QVariant unwrapped(QVariant v) {
+    while (v.metaType() == QMetaType::fromType<QDBusVariant>())
+        v = v.value<QDBusVariant>().variant();
+    return v;
+}
+
 } // namespace
+
+// GNOME's show-banners setting through the desktop portal, read when the portal appears and kept by
+// SettingChanged; do-not-disturb holds while it is false (and never where the portal lacks it).
+class BannersOff {
+public:
+    BannersOff(const QDBusConnection& bus, std::function<void()> changed)
+        : changed_(std::move(changed))
+        , proxy_(bus)
+        , watcher_(QLatin1String(kPortal), bus,
+                   QDBusServiceWatcher::WatchForRegistration | QDBusServiceWatcher::WatchForUnregistration) {
+        QObject::connect(&proxy_, &PortalSettingsProxy::SettingChanged, &proxy_,
+                         [this](const QString& space, const QString& key, const QDBusVariant& value) {
+                             if (space == kSpace && key == kKey)
+                                 take(value.variant());
+                         });
+        QObject::connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, &proxy_, [this] { read(); });
+        QObject::connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, &proxy_, [this] { take({}); });
+        read();
+    }
+
+    bool on() const { return on_; }
+
+private:
+    static constexpr QLatin1String kSpace{"org.gnome.desktop.notifications"};
+    static constexpr QLatin1String kKey{"show-banners"};
+
+    void read() {
+        auto* call =
+            new QDBusPendingCallWatcher(ask(proxy_, QStringLiteral("Read"), {kSpace, kKey}), &proxy_);
+        QObject::connect(call, &QDBusPendingCallWatcher::finished, &proxy_, [this, call] {
+            call->deleteLater();
+            take(call->isError() ? QVariant() : call->reply().arguments().value(0));
+        });
+    }
+    void take(const QVariant& value) {
+        const QVariant banners = unwrapped(value);
+        const bool on = banners.metaType() == QMetaType::fromType<bool>() && !banners.toBool();
+        if (std::exchange(on_, on) != on)
+            changed_();
+    }
+
+    const std::function<void()> changed_;
+    PortalSettingsProxy proxy_;
+    QDBusServiceWatcher watcher_;
+    bool on_ = false;
+};
 
 // One boolean reading of one property, kept by PropertiesChanged and read afresh when the service
 // appears; false while the service is away or the value is of another type than expected.
@@ -99,8 +178,8 @@ public:
     bool value() const { return value_; }
 
     void read() {
-        auto* call = new QDBusPendingCallWatcher(
-            proxy_.asyncCall(QStringLiteral("Get"), interface_, property_), &proxy_);
+        auto* call =
+            new QDBusPendingCallWatcher(ask(proxy_, QStringLiteral("Get"), {interface_, property_}), &proxy_);
         QObject::connect(call, &QDBusPendingCallWatcher::finished, &proxy_, [this, call] {
             call->deleteLater();
             const QDBusPendingReply<QDBusVariant> reply = *call;
@@ -143,7 +222,7 @@ public:
 
 private:
     void read() {
-        auto* call = new QDBusPendingCallWatcher(proxy_.asyncCall(QStringLiteral("GetActive")), &proxy_);
+        auto* call = new QDBusPendingCallWatcher(ask(proxy_, QStringLiteral("GetActive")), &proxy_);
         QObject::connect(call, &QDBusPendingCallWatcher::finished, &proxy_, [this, call] {
             call->deleteLater();
             const QDBusPendingReply<bool> reply = *call;
@@ -181,7 +260,9 @@ BusPresence::BusPresence(const QDBusConnection& session, const QDBusConnection& 
             sessionManager_.reset();
             freedesktopSaver_.reset();
             gnomeSaver_.reset();
+            banners_.reset();
         });
+        banners_ = std::make_unique<BannersOff>(session_, changed_);
         notifications_ = std::make_unique<BusProperty>(
             session_, QLatin1String(kNotifications), QStringLiteral("/org/freedesktop/Notifications"),
             QLatin1String(kNotifications), QStringLiteral("Inhibited"), isTrue, changed_);
@@ -219,12 +300,12 @@ void BusPresence::onDisconnection(const QDBusConnection& bus, std::function<void
 void BusPresence::findSession() {
     // This session's object, by the session id that the login set, or by this process.
     const QByteArray id = qgetenv("XDG_SESSION_ID");
-    QDBusMessage ask = QDBusMessage::createMethodCall(
+    QDBusMessage question = QDBusMessage::createMethodCall(
         QLatin1String(kLogin), QStringLiteral("/org/freedesktop/login1"),
         QStringLiteral("org.freedesktop.login1.Manager"),
         id.isEmpty() ? QStringLiteral("GetSessionByPID") : QStringLiteral("GetSession"));
-    ask << (id.isEmpty() ? QVariant::fromValue(uint(::getpid())) : QVariant(QString::fromLocal8Bit(id)));
-    auto* call = new QDBusPendingCallWatcher(system_.asyncCall(ask), context_.get());
+    question << (id.isEmpty() ? QVariant::fromValue(uint(::getpid())) : QVariant(QString::fromLocal8Bit(id)));
+    auto* call = new QDBusPendingCallWatcher(system_.asyncCall(question), context_.get());
     QObject::connect(call, &QDBusPendingCallWatcher::finished, context_.get(), [this, call] {
         call->deleteLater();
         const QDBusPendingReply<QDBusObjectPath> reply = *call;
@@ -242,7 +323,7 @@ bool BusPresence::locked() const {
 }
 
 bool BusPresence::doNotDisturb() const {
-    return notifications_ && notifications_->value();
+    return (notifications_ && notifications_->value()) || (banners_ && banners_->on());
 }
 
 bool BusPresence::idleInhibited() const {
@@ -259,6 +340,8 @@ QStringList BusPresence::sourcesPresent() const {
         present << QStringLiteral("the notification server");
     if (registered(session_, kSessionManager))
         present << QStringLiteral("GNOME's session manager");
+    if (registered(session_, kPortal))
+        present << QStringLiteral("the desktop portal");
     return present;
 }
 

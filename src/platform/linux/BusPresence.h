@@ -9,6 +9,7 @@
 
 namespace tarvo {
 
+class BannersOff;
 class BusProperty;
 class ScreenSaverWatch;
 
@@ -17,7 +18,8 @@ class ScreenSaverWatch;
 //  - locked: logind's LockedHint of this session (system bus; the session of XDG_SESSION_ID, or of this
 //    process), or a screen saver's ActiveChanged (org.freedesktop.ScreenSaver, org.gnome.ScreenSaver);
 //  - do not disturb: the Inhibited property of the notification server (org.freedesktop.Notifications,
-//    where the server has it, as Plasma's does);
+//    where the server has it, as Plasma's does), or GNOME's notifications with show-banners off, as
+//    the desktop portal passes that setting on;
 //  - idle inhibited: GNOME's session manager, whose InhibitedActions has the idle flag while an
 //    application (a call, a film) keeps the session from idling.
 // A service that is missing, answers with the wrong types or does not know the session simply makes
@@ -44,6 +46,7 @@ private:
     std::function<void()> changed_;
     std::unique_ptr<BusProperty> lockedHint_, notifications_, sessionManager_;
     std::unique_ptr<ScreenSaverWatch> freedesktopSaver_, gnomeSaver_;
+    std::unique_ptr<BannersOff> banners_;
     std::unique_ptr<QObject> context_; // owns the call that looks for the session and the bus watches
 };
 
