@@ -49,7 +49,6 @@ std::uint32_t X11FullScreenWatcher::atom(const char* name) const {
 }
 
 void X11FullScreenWatcher::service() {
-    ++wakeups_;
     const bool before = fullScreen_;
     // The replies read while following a change may bring further events along, which then wait in
     // XCB's queue, not on the socket: they are taken too before the next wait for the socket.
@@ -59,6 +58,7 @@ void X11FullScreenWatcher::service() {
                    readSocket ? xcb_poll_for_event(connection_) : xcb_poll_for_queued_event(connection_)) {
             if ((event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY) {
                 const auto* notify = reinterpret_cast<const xcb_property_notify_event_t*>(event);
+                ++notifications_;
                 activeChanged |= notify->window == root_ && notify->atom == activeAtom_;
                 stateChanged |= notify->window == active_ && notify->atom == stateAtom_;
             }

@@ -30,8 +30,8 @@ public:
     bool fullScreen() const { return fullScreen_; }
     // A window manager of the freedesktop kind runs (its check window is on the root): for the report.
     bool windowManager() const;
-    // Notifications that have woken the program: what following the window costs, for the tests.
-    std::uint64_t wakeups() const { return wakeups_; }
+    // Property notifications received: what following the window costs, for the tests.
+    std::uint64_t notifications() const { return notifications_; }
 
 private:
     X11FullScreenWatcher(xcb_connection_t* connection, std::function<void()> changed);
@@ -47,7 +47,7 @@ private:
     std::uint32_t activeAtom_ = 0, stateAtom_ = 0, fullScreenAtom_ = 0;
     std::uint32_t active_ = 0;
     bool fullScreen_ = false;
-    std::uint64_t wakeups_ = 0;
+    std::uint64_t notifications_ = 0;
     std::unique_ptr<QSocketNotifier> notifier_;
 };
 

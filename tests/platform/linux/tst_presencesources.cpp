@@ -125,50 +125,36 @@ private slots:
                 QSKIP("a tool of the X11 test is not installed");
         XvfbServer xvfb;
         QVERIFY(xvfb.start());
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("DISPLAY", QString::fromLatin1(xvfb.display()));
-        QProcess wm, work, other;
-        for (QProcess* p : {&wm, &work, &other})
-            p->setProcessEnvironment(environment);
-        const auto run = [&](const QString& program, const QStringList& arguments) {
-            QProcess p;
-            p.setProcessEnvironment(environment);
-            p.start(program, arguments);
-            p.waitForFinished(10000);
-            return p.exitCode() == 0;
-        };
+        qputenv("DISPLAY", xvfb.display()); // for the programs started here
+        const auto run = [](const QString& command) { return QProcess::execute("sh", {"-c", command}) == 0; };
         int changes = 0;
         auto watcher = X11FullScreenWatcher::open(xvfb.display(), [&] { ++changes; });
         QVERIFY(watcher && !watcher->windowManager());
+        QProcess wm, work, other;
         wm.start("openbox", {});
-        QTRY_VERIFY_WITH_TIMEOUT(run("wmctrl", {"-m"}), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(run("wmctrl -m"), 10000);
         work.start("xmessage", {"-title", "Work", "Work"});
         other.start("xmessage", {"-title", "Other", "Other"});
-        // Both managed by the window manager (on its client list), the last one mapped active.
-        QTRY_VERIFY_WITH_TIMEOUT(run("sh", {"-c", "wmctrl -l | grep -q Work && wmctrl -l | grep -q Other"}),
-                                 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(run("wmctrl -l | grep -q Work && wmctrl -l | grep -q Other"), 10000);
         QVERIFY(watcher->windowManager());
-        QVERIFY(run("wmctrl", {"-a", "Work"}));
-        QVERIFY(run("wmctrl", {"-r", "Work", "-b", "add,fullscreen"}));
+        QVERIFY(run("wmctrl -a Work && wmctrl -r Work -b add,fullscreen"));
         QTRY_VERIFY(watcher->fullScreen());
-        // Twenty changes of a window that is not the active one: at most what the full-screen change
-        // itself still had on its way.
-        const std::uint64_t wakeups = watcher->wakeups();
-        for (int i = 0; i < 20; ++i)
-            QVERIFY(run("wmctrl", {"-r", i ? "Renamed" : "Other", "-N", "Renamed"}));
-        QTRY_VERIFY(run("sh", {"-c", "wmctrl -l | grep -q Renamed"}));
-        QVERIFY(watcher->wakeups() <= wakeups + 2);
-        QVERIFY(run("wmctrl", {"-a", "Renamed"})); // another window takes the focus
+        QVERIFY(run("wmctrl -a Other")); // another window takes the focus
         QTRY_VERIFY(!watcher->fullScreen());
-        QVERIFY(run("wmctrl", {"-a", "Work"}));
+        QVERIFY(run("wmctrl -a Work"));
         QTRY_VERIFY(watcher->fullScreen());
-        QVERIFY(run("wmctrl", {"-r", "Work", "-b", "remove,fullscreen"}));
+        // Twenty changes of the window that is no longer active reach nothing: what arrives is the active
+        // window leaving full screen (seen after them, as the server sends in order) and the frame's
+        // own properties changing with it.
+        const std::uint64_t notifications = watcher->notifications();
+        QVERIFY(run("for i in $(seq 20); do wmctrl -r Other -N Other; done"));
+        QVERIFY(run("wmctrl -r Work -b remove,fullscreen"));
         QTRY_VERIFY(!watcher->fullScreen());
+        QVERIFY2(watcher->notifications() - notifications < 20,
+                 QByteArray::number(watcher->notifications() - notifications));
         QVERIFY(changes >= 4);
-        for (QProcess* p : {&other, &work, &wm}) {
-            p->kill();
-            p->waitForFinished();
-        }
+        for (QProcess* p : {&other, &work, &wm})
+            p->kill(), p->waitForFinished();
     }
 };
 
