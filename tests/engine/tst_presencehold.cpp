@@ -8,22 +8,9 @@ using namespace tarvo;
 
 namespace {
 
-// The breaks and warnings of the log, "<minute> <what>".
-QString breaks(const QStringList& log) {
-    QStringList kept;
-    for (const QString& e : log)
-        if (QStringList{"X", "prompt", "pre", "micropause", "notification"}.contains(e.section(' ', 1, 1)))
-            kept << e.section(' ', 0, 1);
-    return kept.join(", ");
-}
-
-// Each second, a key on channel 0, or nothing for channel -1.
-void seconds(EngineRig& rig, int count, int channel = 0) {
-    for (int s = 0; s < count; ++s) {
-        rig.timeline.advance(1000);
-        if (channel >= 0)
-            rig.monitor.input(channel, rig.clock.tickCount());
-    }
+// The breaks and warnings that came, "<minute> <what>".
+QString breaks(const EngineRig& rig) {
+    return rig.entries({"X", "prompt", "pre", "micropause", "notification"});
 }
 
 } // namespace
@@ -38,19 +25,19 @@ private slots:
         EngineRig rig;
         rig.engine.scheduler().SetTimers();
         rig.engine.micropause().TarvoMicropause(); // on screen when the lock comes: ends as taken, quietly
-        seconds(rig, 1);
+        rig.runSeconds(1);
         rig.presence.set(PresenceCondition::Locked, true);
         QVERIFY(!rig.state.InMicropause);
         QCOMPARE(rig.presenceText, "Screen locked");
         QCOMPARE(rig.lastText, "Last tarvo micropause: 09:00");
-        QCOMPARE(breaks(rig.log), "0 micropause");
+        QCOMPARE(breaks(rig), "0 micropause");
         rig.presence.set(PresenceCondition::Locked, false);
         QCOMPARE(rig.presenceText, "");
 
-        seconds(rig, 10 * 60 - 1); // typing until 09:10
+        rig.runSeconds(10 * 60 - 1); // typing until 09:10
         const auto lock = [&](int lockedSeconds) {
             rig.presence.set(PresenceCondition::Locked, true);
-            seconds(rig, lockedSeconds); // the password typed meanwhile is no natural pause
+            rig.runSeconds(lockedSeconds); // the password typed meanwhile is no natural pause
             rig.voluntaryText.clear();
             rig.presence.set(PresenceCondition::Locked, false);
         };
@@ -63,14 +50,14 @@ private slots:
         lock(60 * 60);
         QCOMPARE(rig.state.MinutesToExercise, 50);
         QVERIFY(!rig.state.ExercisePromptPending);
-        seconds(rig, 10);
-        QCOMPARE(breaks(rig.log), "0 micropause"); // nothing came during or after the locks
+        rig.runSeconds(10);
+        QCOMPARE(breaks(rig), "0 micropause"); // nothing came during or after the locks
 
         rig.settings.LockPause = 0; // off: a lock is nothing special
         rig.presence.set(PresenceCondition::Locked, true);
         QCOMPARE(rig.presenceText, "");
-        seconds(rig, 50 * 60);
-        QCOMPARE(breaks(rig.log), "0 micropause, 122 X, 122 prompt");
+        rig.runSeconds(50 * 60);
+        QCOMPARE(breaks(rig), "0 micropause, 122 X, 122 prompt");
     }
 
     // A full-screen window holds a due micropause, its pre-warning and the prompt; when it goes they
@@ -82,20 +69,20 @@ private slots:
         rig.engine.scheduler().SetTimers();
         rig.presence.set(PresenceCondition::FullScreen, true);
         QCOMPARE(rig.presenceText, "Held: full-screen window");
-        rig.run(5, 0);    // due: 1 prompt, 2 pre, 3 micropause, 4 pre, 5 micropause
-        seconds(rig, 80); // and 6 pre
+        rig.run(5, 0);      // due: 1 prompt, 2 pre, 3 micropause, 4 pre, 5 micropause
+        rig.runSeconds(80); // and 6 pre
         // Switching between two full-screen windows lets nothing slip in between.
         rig.presence.set(PresenceCondition::FullScreen, false);
-        seconds(rig, 1);
+        rig.runSeconds(1);
         rig.presence.set(PresenceCondition::FullScreen, true);
-        seconds(rig, 10);
-        QCOMPARE(breaks(rig.log), "");
+        rig.runSeconds(10);
+        QCOMPARE(breaks(rig), "");
         rig.presence.set(PresenceCondition::FullScreen, false);
         QCOMPARE(rig.presenceText, "");
-        seconds(rig, 5);
-        QCOMPARE(breaks(rig.log), "6 X, 6 prompt, 6 micropause");
-        seconds(rig, 2 * 60); // the late break moved none of the others
-        QCOMPARE(breaks(rig.log),
+        rig.runSeconds(5);
+        QCOMPARE(breaks(rig), "6 X, 6 prompt, 6 micropause");
+        rig.runSeconds(2 * 60); // the late break moved none of the others
+        QCOMPARE(breaks(rig),
                  "6 X, 6 prompt, 6 micropause, 6 notification, 7 micropause, 7 notification, 8 pre");
     }
 
@@ -112,12 +99,12 @@ private slots:
         rig.presence.set(PresenceCondition::DoNotDisturb, true);
         QCOMPARE(rig.presenceText, "Held: do not disturb");
         rig.run(3, 0);
-        seconds(rig, 40, -1);
+        rig.runSeconds(40, -1);
         QCOMPARE(rig.voluntaryText, "Last natural micropause: 09:03");
         rig.presence.set(PresenceCondition::DoNotDisturb, false);
         QCOMPARE(rig.presenceText, "");
-        seconds(rig, 5);
-        QCOMPARE(breaks(rig.log), "3 X, 3 prompt");
+        rig.runSeconds(5);
+        QCOMPARE(breaks(rig), "3 X, 3 prompt");
 
         EngineRig limited;
         limited.settings.EveryM = 1;
@@ -126,7 +113,7 @@ private slots:
         limited.engine.scheduler().SetTimers();
         limited.presence.set(PresenceCondition::FullScreen, true);
         limited.run(4, 0);
-        QCOMPARE(breaks(limited.log), "4 X, 4 prompt, 4 micropause");
+        QCOMPARE(breaks(limited), "4 X, 4 prompt, 4 micropause");
     }
 };
 
