@@ -12,22 +12,17 @@
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
-    BusStandIn saver(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"), "saver", "/ScreenSaver");
+    BusStandIn saver(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"), "org.freedesktop.ScreenSaver",
+                     "/ScreenSaver");
     saver.answers["GetActive"] = false;
-    if (!saver.enter("org.freedesktop.ScreenSaver"))
-        return 1;
     std::printf("ready\n");
     std::fflush(stdout);
     QSocketNotifier input(0, QSocketNotifier::Read);
     QObject::connect(&input, &QSocketNotifier::activated, &app, [&] {
         std::string line;
-        if (!std::getline(std::cin, line)) {
-            QCoreApplication::quit();
-            return;
-        }
-        const bool lock = line == "lock";
-        saver.answers["GetActive"] = lock;
-        saver.emitSignal("org.freedesktop.ScreenSaver", "ActiveChanged", {lock});
+        if (!std::getline(std::cin, line))
+            return QCoreApplication::quit();
+        saver.emitSignal("org.freedesktop.ScreenSaver", "ActiveChanged", {line == "lock"});
     });
     return app.exec();
 }

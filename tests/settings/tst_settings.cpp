@@ -48,8 +48,6 @@ private slots:
         QVERIFY(r.InterruptFor == 15 && r.InterruptEvery == 4 && r.IntelliReset == 1 && r.Audible == 1);
         QVERIFY(r.WarningSound.isEmpty() && r.AudiblePre == 1 && r.WarningSoundPre.isEmpty());
         QVERIFY(r.DisableEsc == 0 && r.Blank == 1 && (r.Monitor == std::array<std::int32_t, 2>{1, 1}));
-        QVERIFY(r.LockPause == 1 && r.HoldFullScreen == 1 && r.HoldDoNotDisturb == 1 &&
-                r.HoldInhibited == 1 && r.HoldLimit == 0);
         QCOMPARE(r.Warning, "Hands off Keyboard && Mouse, look away, relax.");
 
         QCOMPARE(store.reads().join(' ').remove("Exercise/").remove("Micropause/"),

@@ -14,15 +14,18 @@
 // signals the test makes it send, with whatever argument types the test chooses.
 class BusStandIn : public QDBusVirtualObject {
 public:
-    BusStandIn(const QString& address, const QString& name, const QString& path)
-        : bus_(QDBusConnection::connectToBus(address, name))
+    // Serves `path` and below under the name `service`, which it leaves and enters again when told.
+    BusStandIn(const QString& address, const QString& service, const QString& path)
+        : bus_(QDBusConnection::connectToBus(address, service))
+        , service_(service)
         , path_(path) {
         bus_.registerVirtualObject(path, this, QDBusConnection::SubPath);
+        enter();
     }
     ~BusStandIn() override { QDBusConnection::disconnectFromBus(bus_.name()); }
 
-    bool enter(const QString& service) { return bus_.registerService(service); }
-    bool leave(const QString& service) { return bus_.unregisterService(service); }
+    bool enter() { return bus_.registerService(service_); }
+    bool leave() { return bus_.unregisterService(service_); }
 
     // From the object at `path`, or below it at path_ + subPath.
     void emitSignal(const QString& interface, const QString& name, const QVariantList& arguments,
@@ -48,17 +51,15 @@ public:
                                 ? in[0].toString() + '.' + in[1].toString()
                                 : message.member();
         const auto answer = answers.find(key);
-        if (answer == answers.end()) {
-            connection.send(message.createErrorReply(QDBusError::UnknownObject, key));
-        } else if (message.member() == "Get") {
-            connection.send(message.createReply(QVariant::fromValue(QDBusVariant(answer->second))));
-        } else {
-            connection.send(message.createReply(answer->second));
-        }
+        const QVariant value = answer == answers.end() ? QVariant() : answer->second;
+        connection.send(!value.isValid() ? message.createErrorReply(QDBusError::UnknownObject, key)
+                        : message.member() != "Get"
+                            ? message.createReply(value)
+                            : message.createReply(QVariant::fromValue(QDBusVariant(value))));
         return true;
     }
 
 private:
     QDBusConnection bus_;
-    QString path_;
+    QString service_, path_;
 };

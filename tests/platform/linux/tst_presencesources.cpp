@@ -1,7 +1,8 @@
-// Where the program learns that the person is away or busy: logind on a private system bus, a screen
-// saver, the notification server and GNOME's session manager on a private session bus (stand-ins that
-// also send wrong types, do not know the session, leave and come back), and the X11 window manager's
-// full-screen state under openbox on a private Xvfb.
+// Where the program learns that the person is away or busy: logind on a private system bus, the
+// notification server, GNOME's session manager and the desktop portal on a private session bus
+// (stand-ins that also send wrong types, do not know the session, leave and come back), and the X11
+// window manager's full-screen state under openbox on a private Xvfb. (The screen saver: the end-to-end
+// test.)
 #include "BusStandIn.h"
 #include "platform/linux/DesktopPresence.h"
 #include "platform/linux/X11FullScreenWatcher.h"
@@ -38,50 +39,37 @@ private slots:
         QVERIFY(!session_.isEmpty() && !system_.isEmpty());
     }
     void cleanupTestCase() {
-        for (QProcess* bus : {&sessionBus_, &systemBus_}) {
-            bus->kill();
-            bus->waitForFinished();
-        }
+        for (QProcess* bus : {&sessionBus_, &systemBus_})
+            bus->kill(), bus->waitForFinished();
     }
 
     void busSources() {
         const QString session = "/session/_32";
-        BusStandIn logind(system_, "logind", "/org/freedesktop/login1");
+        BusStandIn logind(system_, "org.freedesktop.login1", "/org/freedesktop/login1");
         logind.answers["GetSession"] =
             QVariant::fromValue(QDBusObjectPath("/org/freedesktop/login1" + session));
         logind.answers["org.freedesktop.login1.Session.LockedHint"] = true;
-        QVERIFY(logind.enter("org.freedesktop.login1"));
-        BusStandIn saver(session_, "saver", "/ScreenSaver");
-        saver.answers["GetActive"] = false;
-        QVERIFY(saver.enter("org.freedesktop.ScreenSaver"));
-        BusStandIn notifications(session_, "notifications", "/org/freedesktop/Notifications");
+        BusStandIn notifications(session_, "org.freedesktop.Notifications", "/org/freedesktop/Notifications");
         notifications.answers["org.freedesktop.Notifications.Inhibited"] = false;
-        QVERIFY(notifications.enter("org.freedesktop.Notifications"));
-        BusStandIn gnome(session_, "gnome-session", "/org/gnome/SessionManager");
+        BusStandIn gnome(session_, "org.gnome.SessionManager", "/org/gnome/SessionManager");
         gnome.answers["org.gnome.SessionManager.InhibitedActions"] = 4u; // suspend only, not idle
-        QVERIFY(gnome.enter("org.gnome.SessionManager"));
-        BusStandIn portal(session_, "portal", "/org/freedesktop/portal/desktop");
+        BusStandIn portal(session_, "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop");
         portal.answers["Read"] = QVariant::fromValue(QDBusVariant(false)); // GNOME's banners hidden
-        QVERIFY(portal.enter("org.freedesktop.portal.Desktop"));
 
         const auto sessionBus = QDBusConnection::connectToBus(session_, "program-session");
         const auto systemBus = QDBusConnection::connectToBus(system_, "program-system");
         qputenv("XDG_SESSION_ID", "2");
         DesktopPresence presence(sessionBus, systemBus, {}, false);
-        QCOMPARE(presence.report(), "tarvo: presence followed through logind, the screen saver, the "
-                                    "notification server, GNOME's session manager, the desktop portal");
+        QCOMPARE(presence.report(),
+                 "tarvo: presence followed through logind, the notification server, GNOME's "
+                 "session manager, the desktop portal");
         QTRY_VERIFY(presence.holds(PresenceCondition::Locked)); // logind's hint, read at start
         logind.change("org.freedesktop.login1.Session", "LockedHint", false, session);
         QTRY_VERIFY(!presence.holds(PresenceCondition::Locked));
 
-        saver.emitSignal("org.freedesktop.ScreenSaver", "ActiveChanged", {true});
-        QTRY_VERIFY(presence.holds(PresenceCondition::Locked));
-        saver.emitSignal("org.freedesktop.ScreenSaver", "ActiveChanged", {false});
-        QTRY_VERIFY(!presence.holds(PresenceCondition::Locked));
-
         gnome.change("org.gnome.SessionManager", "InhibitedActions", 8u | 4u);
         QTRY_VERIFY(presence.holds(PresenceCondition::IdleInhibited));
-        gnome.change("org.gnome.SessionManager", "InhibitedActions", 4u); // suspend only
+        gnome.change("org.gnome.SessionManager", "InhibitedActions", 4u);
         QTRY_VERIFY(!presence.holds(PresenceCondition::IdleInhibited));
         gnome.change("org.gnome.SessionManager", "InhibitedActions", 8u);
         QTRY_VERIFY(presence.holds(PresenceCondition::IdleInhibited));
@@ -96,9 +84,9 @@ private slots:
         notifications.change("org.freedesktop.Notifications", "Inhibited", true);
         QTRY_VERIFY(presence.holds(PresenceCondition::DoNotDisturb));
         // The notification server restarts: gone, nothing holds; back, it is followed again.
-        QVERIFY(notifications.leave("org.freedesktop.Notifications"));
+        QVERIFY(notifications.leave());
         QTRY_VERIFY(!presence.holds(PresenceCondition::DoNotDisturb));
-        QVERIFY(notifications.enter("org.freedesktop.Notifications"));
+        QVERIFY(notifications.enter());
         QTRY_VERIFY(presence.holds(PresenceCondition::DoNotDisturb));
         notifications.change("org.freedesktop.Notifications", "Inhibited", QString("true")); // wrong type
         QTRY_VERIFY(!presence.holds(PresenceCondition::DoNotDisturb));
@@ -111,10 +99,8 @@ private slots:
         logind.change("org.freedesktop.login1.Session", "LockedHint", true, session);
         QTRY_VERIFY(presence.holds(PresenceCondition::Locked)); // after logind's answer to `unknown`
         QVERIFY(!unknown.holds(PresenceCondition::Locked));
-        systemBus_.kill();
-        systemBus_.waitForFinished();
+        systemBus_.kill(), systemBus_.waitForFinished();
         QTRY_VERIFY(!presence.holds(PresenceCondition::Locked));
-        qunsetenv("XDG_SESSION_ID");
     }
 
     // A real window put full screen and back through openbox; the watcher follows the active window and
@@ -127,16 +113,14 @@ private slots:
         QVERIFY(xvfb.start());
         qputenv("DISPLAY", xvfb.display()); // for the programs started here
         const auto run = [](const QString& command) { return QProcess::execute("sh", {"-c", command}) == 0; };
-        int changes = 0;
-        auto watcher = X11FullScreenWatcher::open(xvfb.display(), [&] { ++changes; });
-        QVERIFY(watcher && !watcher->windowManager());
+        auto watcher = X11FullScreenWatcher::open(xvfb.display(), [] {});
+        QVERIFY(watcher);
         QProcess wm, work, other;
         wm.start("openbox", {});
-        QTRY_VERIFY_WITH_TIMEOUT(run("wmctrl -m"), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(run("wmctrl -m >/dev/null 2>&1"), 10000);
         work.start("xmessage", {"-title", "Work", "Work"});
         other.start("xmessage", {"-title", "Other", "Other"});
         QTRY_VERIFY_WITH_TIMEOUT(run("wmctrl -l | grep -q Work && wmctrl -l | grep -q Other"), 10000);
-        QVERIFY(watcher->windowManager());
         QVERIFY(run("wmctrl -a Work && wmctrl -r Work -b add,fullscreen"));
         QTRY_VERIFY(watcher->fullScreen());
         QVERIFY(run("wmctrl -a Other")); // another window takes the focus
@@ -152,7 +136,6 @@ private slots:
         QTRY_VERIFY(!watcher->fullScreen());
         QVERIFY2(watcher->notifications() - notifications < 20,
                  QByteArray::number(watcher->notifications() - notifications));
-        QVERIFY(changes >= 4);
         for (QProcess* p : {&other, &work, &wm})
             p->kill(), p->waitForFinished();
     }
