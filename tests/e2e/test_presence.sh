@@ -18,7 +18,7 @@ read -r -t 10 line <&"${SAVER[0]}" && [ "$line" = ready ] || fail "the screen sa
 saver() { echo "$1" >&"${SAVER[1]}"; }
 xmessage -title Film Film &
 pids+=($!)
-wait_for 100 sh -c 'wmctrl -l | grep -q Film' || fail "the film's window did not appear"
+wait_for 300 sh -c 'wmctrl -l | grep -q Film' || fail "the film's window did not appear"
 wmctrl -a Film && wmctrl -r Film -b add,fullscreen
 break_shown() { visible_window '^Tarvo Micropause$'; }
 
