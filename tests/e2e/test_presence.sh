@@ -30,6 +30,9 @@ film_managed || fail "the film's window did not appear"
 wmctrl -a Film && wmctrl -r Film -b add,fullscreen
 break_shown() { visible_window '^Tarvo Micropause$'; }
 
+# libfaketime is preloaded before the sanitizer build's runtime; it only replaces the clock's calls.
+export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}verify_asan_link_order=0"
+
 # --- a full-screen window holds the prompt (minute 1) and the micropause (minute 3) ----------------
 LD_PRELOAD=$faketime_lib FAKETIME="+0 x10" start_tarvo "[Options]" '"Initialised"="1"' \
     "[Exercise]" '"EveryM"="1"' '"AudibleX"="0"' "[Micropause]" '"InterruptEvery"="2"' '"InterruptFor"="60"' \
