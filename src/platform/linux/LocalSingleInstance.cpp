@@ -12,6 +12,7 @@
 #include <cstring>
 #include <limits>
 #include <poll.h>
+#include <string_view>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -49,6 +50,10 @@ bool socketAddress(const QString& path, sockaddr_un& address) {
     std::memcpy(address.sun_path, name.constData(), static_cast<std::size_t>(name.size()));
     return true;
 }
+
+// The instance's answers to a key code: being handled, and handled.
+constexpr char kTaken[] = "taken\n";
+constexpr char kHandled[] = "ok\n";
 
 // Waits until the socket is readable or the deadline passes; false on time-out.
 bool waitReadable(int fd, const QDeadlineTimer& deadline) {
@@ -232,11 +237,18 @@ void LocalSingleInstance::readFrom(Connection* connection) {
                             .toInt(&isNumber);
     if (!isNumber)
         return;
+    // A sender that went away meanwhile gets nothing and costs nothing: no signal, no error.
+    const auto say = [&owned](const char* line) {
+        (void)::send(owned->fd.get(), line, std::strlen(line), MSG_NOSIGNAL | MSG_DONTWAIT);
+    };
+    // The popped-up menu stays for as long as the user keeps it open: the sender learns at once that
+    // its key code is being handled, and is answered when that is over. (A shut-down ends the
+    // instance, which closes the connection: that is its answer.)
+    if (keyCode != kShutdownKey)
+        say(kTaken);
     if (listener_)
         listener_->keyDown(keyCode);
-    // A sender that went away meanwhile gets nothing and costs nothing: no signal, no error.
-    static constexpr char kAnswer[] = "ok\n";
-    (void)::send(owned->fd.get(), kAnswer, sizeof kAnswer - 1, MSG_NOSIGNAL | MSG_DONTWAIT);
+    say(kHandled);
 }
 
 std::int32_t LocalSingleInstance::runningHandle() const {
@@ -265,17 +277,27 @@ SingleInstance::Delivery LocalSingleInstance::sendKeyDown(std::int32_t handle, i
     if (::send(socket.get(), line.constData(), static_cast<std::size_t>(line.size()), MSG_NOSIGNAL) !=
         line.size())
         return Delivery::NotListening;
-    // The instance has the key code. Wait for its answer; an instance that ends while handling the
-    // code (shut-down) closes the connection without one, which ends the wait just as well.
-    char answer[8];
+    // The instance has the key code. Wait for its answer within the time limit; once it says the code
+    // is being handled (a menu that the user keeps open), for as long as that takes, as a sent
+    // message waits for its window's handling. An instance that ends while handling the code
+    // (shut-down) closes the connection without an answer, which ends the wait just as well.
+    QDeadlineTimer limit = deadline;
+    char answer[16];
+    std::size_t size = 0;
     for (;;) {
-        if (!waitReadable(socket.get(), deadline))
+        if (!waitReadable(socket.get(), limit))
             return Delivery::NoAnswer;
-        const ssize_t got = ::recv(socket.get(), answer, sizeof answer, 0);
+        const ssize_t got = ::recv(socket.get(), answer + size, sizeof answer - size, 0);
         if (got < 0 && errno == EINTR)
             continue;
-        if (got <= 0 || std::memchr(answer, '\n', static_cast<std::size_t>(got)) != nullptr)
+        if (got <= 0)
             return Delivery::Handled;
+        size += static_cast<std::size_t>(got);
+        const std::string_view said(answer, size);
+        if (said.find(kHandled) != std::string_view::npos || size == sizeof answer)
+            return Delivery::Handled;
+        if (said.find(kTaken) != std::string_view::npos)
+            limit = QDeadlineTimer(QDeadlineTimer::Forever);
     }
 }
 

@@ -1,10 +1,13 @@
 // The other instance for the single-instance tests:
 //   instance_peer [application name]   becomes the running instance and prints "running <handle>", then
-//                                      "key <code>" for each key code it handles; 99 ends it
+//                                      "key <code>" for each key code it handles; 99 ends it,
+//                                      5 keeps it busy for a second (as an open menu does)
 // Each line it prints is flushed at once.
 #include "platform/linux/LocalSingleInstance.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
+#include <QTimer>
 
 #include <cstdio>
 
@@ -25,6 +28,10 @@ struct Holder : SingleInstance::Listener {
         if (keyCode == SingleInstance::kShutdownKey) {
             instance.release();
             QCoreApplication::quit();
+        } else if (keyCode == 5) {
+            QEventLoop menu;
+            QTimer::singleShot(1000, &menu, &QEventLoop::quit);
+            menu.exec();
         }
     }
 };
