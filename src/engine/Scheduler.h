@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/HistoryTap.h"
+
 #include <QString>
 
 #include <cstdint>
@@ -30,7 +32,8 @@ struct SettingsRecord;
 //
 // A suspended machine is a pause too, though no timer ticks through it: the first tick after resume
 // learns from the clock how long the machine slept. At least one micropause length counts as a natural
-// micropause; at least EveryM minutes starts the exercise countdown afresh.
+// micropause; at least EveryM minutes starts the exercise countdown afresh. The sleep goes to the
+// history as what it was, not as a natural pause.
 //
 // All counter arithmetic is checked: an overflow is run-time error 6 and leaves the handler, like any
 // other error of a tick; nothing here catches.
@@ -38,7 +41,8 @@ class Scheduler {
 public:
     Scheduler(const SettingsRecord& settings, SchedulerState& state, const Clock& clock,
               ActivityMonitor& monitor, Timer& tMinutes, Timer& tSeconds, MicropauseBreak& micropause,
-              ExerciseSequencer& exercise, Warnings& warnings, MainView& view, ExerciseView& exerciseView);
+              ExerciseSequencer& exercise, Warnings& warnings, MainView& view, ExerciseView& exerciseView,
+              HistoryTap& history);
     Scheduler(const Scheduler&) = delete;
     Scheduler& operator=(const Scheduler&) = delete;
 
@@ -60,6 +64,9 @@ public:
     // the new interval, never raised.
     void ApplyExerciseOptions();
 
+    // A natural pause that is still going on goes to the history as it stands (the program is ending).
+    void closeNaturalPause();
+
     // The tSeconds interval between breaks: InterruptFor seconds, in milliseconds.
     static int naturalPauseInterval(const SettingsRecord& settings);
 
@@ -67,6 +74,7 @@ private:
     void checkNaturalPause();
     bool noticeSleep(); // true when it restarted the exercise countdown
     void countNaturalPause();
+    void extendNaturalPause();
     void showMinutesToExercise();
     void showActivitySource();
 
@@ -83,6 +91,10 @@ private:
     ExerciseView& exerciseView_;
     QString shownSource_;
     std::int64_t suspendedSeen_; // the clock's suspended total at the last tick
+    HistoryTap& history_;
+    // A natural pause goes to the history once, when the user is back: from the last input before
+    // the first check that found none, to the last check that found none.
+    QDateTime naturalFrom_, naturalUntil_;
 };
 
 } // namespace tarvo

@@ -150,7 +150,7 @@ void TarvoProgram::showAbout() {
 }
 
 void TarvoProgram::micropauseNow() {
-    engine_->micropause().TarvoMicropause();
+    engine_->micropause().TarvoMicropause(origin::Menu);
 }
 
 void TarvoProgram::exerciseNow() {
