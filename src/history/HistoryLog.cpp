@@ -1,0 +1,101 @@
+#include "history/HistoryLog.h"
+
+#include "core/Clock.h"
+#include "settings/Options.h"
+#include "settings/SettingsStore.h"
+
+#include <QDir>
+
+#include <cstdio>
+
+namespace tarvo {
+
+HistoryLog::HistoryLog(QString path, SettingsStore& settings, const Clock& clock)
+    : database_(std::move(path))
+    , settings_(settings)
+    , clock_(clock)
+    , recording_(settings.readNumber(option("RecordHistory")) != 0) {}
+
+HistoryLog::~HistoryLog() = default;
+
+bool HistoryLog::ready() {
+    if (database_.isOpen())
+        return true;
+    if (givenUp_)
+        return false;
+    const QDateTime now = clock_.localNow();
+    // Old events go when the file is first opened in a run, which is at start-up while recording.
+    if (!database_.open(now, opened_ ? QDateTime() : now.addDays(-kKeptDays))) {
+        const auto failure = database_.failure();
+        givenUp_ =
+            failure == HistoryDatabase::Failure::Newer || failure == HistoryDatabase::Failure::NoDriver;
+        report(database_.problem());
+        return false;
+    }
+    opened_ = true;
+    if (!database_.setAsidePath().isEmpty() && notice_.isEmpty()) {
+        notice_ = QStringLiteral("The history file was damaged; it was kept as %1 and a new one was started.")
+                      .arg(QDir::toNativeSeparators(database_.setAsidePath()));
+        std::fprintf(stderr, "tarvo: %s\n", qPrintable(notice_));
+    }
+    return true;
+}
+
+void HistoryLog::record(const HistoryEvent& event) {
+    if (!recording_)
+        return;
+    waiting_.push_back(event);
+    if (waiting_.size() > kMostWaiting)
+        waiting_.pop_front();
+    if (!ready())
+        return;
+    while (!waiting_.empty()) {
+        if (!database_.append(waiting_.front())) {
+            report(database_.problem());
+            // A file in use or a full disk may pass with the connection as it is; anything else is
+            // opened afresh at the next event.
+            const auto failure = database_.failure();
+            if (failure != HistoryDatabase::Failure::Busy && failure != HistoryDatabase::Failure::NoSpace)
+                database_.close();
+            return;
+        }
+        waiting_.pop_front();
+    }
+    problem_.clear();
+}
+
+void HistoryLog::setRecording(bool on) {
+    settings_.writeNumber(option("RecordHistory"), on ? 1 : 0);
+    recording_ = on;
+    if (!on) {
+        waiting_.clear();
+        problem_.clear();
+        database_.close(); // nothing is kept open for a history that is not kept
+    }
+}
+
+bool HistoryLog::clear() {
+    waiting_.clear();
+    if (ready() && database_.clear())
+        return true;
+    report(database_.problem());
+    return false;
+}
+
+std::vector<StoredEvent> HistoryLog::eventsSince(const QDateTime& from) {
+    if (!ready())
+        return {};
+    return database_.eventsSince(from);
+}
+
+void HistoryLog::report(const QString& problem) {
+    problem_ = QStringLiteral("History is not recorded: %1.").arg(problem);
+    // Once each: a file that stays in use must not fill the terminal with one line per break.
+    if (!reported_.contains(problem_)) {
+        reported_.insert(problem_);
+        std::fprintf(stderr, "tarvo: %s\n", qPrintable(problem_));
+        std::fflush(stderr);
+    }
+}
+
+} // namespace tarvo

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "engine/HistoryRecorder.h"
+#include "history/HistoryDatabase.h"
+
+#include <QSet>
+#include <QString>
+
+#include <deque>
+#include <memory>
+
+namespace tarvo {
+
+class Clock;
+class SettingsStore;
+
+// The recorder that the running program connects to its engine: each event goes into the history file
+// as it happens, unless the user has switched recording off ("RecordHistory"). The file is opened at
+// the first event, not before, with the events older than 400 days pruned then.
+//
+// Nothing here stops the program: when the file cannot be written, the program runs on, says why once
+// on standard error and in the status window (problem()), and tries again at the next event. Events
+// that met a file in use by another program wait in memory (a few, not forever) and follow with the
+// next event that gets through.
+class HistoryLog : public HistoryRecorder {
+public:
+    HistoryLog(QString path, SettingsStore& settings, const Clock& clock);
+    ~HistoryLog();
+
+    void record(const HistoryEvent& event) override;
+
+    bool recording() const { return recording_; }
+    // Switches recording on or off, and keeps the choice.
+    void setRecording(bool on);
+    // Empties the history; false (with problem() saying why) when the file cannot be written.
+    bool clear();
+    // The events from `from` on, for the pictures; opens the file when it is not open yet.
+    std::vector<StoredEvent> eventsSince(const QDateTime& from);
+
+    // Why the history is not being recorded, or else what became of a damaged file; empty when all is
+    // well.
+    QString problem() const { return problem_.isEmpty() ? notice_ : problem_; }
+
+    static constexpr int kKeptDays = 400;
+    static constexpr std::size_t kMostWaiting = 1000;
+
+private:
+    bool ready();
+    void report(const QString& problem);
+
+    HistoryDatabase database_;
+    SettingsStore& settings_;
+    const Clock& clock_;
+    bool recording_;
+    bool opened_ = false;  // opened once this run (the pruning is done)
+    bool givenUp_ = false; // a file of a newer version, or no driver: no use trying again this run
+    std::deque<HistoryEvent> waiting_;
+    QString problem_, notice_;
+    QSet<QString> reported_; // said once on standard error each
+};
+
+} // namespace tarvo
