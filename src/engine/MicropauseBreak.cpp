@@ -35,8 +35,8 @@ void MicropauseBreak::TarvoMicropause(QLatin1String origin) {
     // An InterruptFor of 0 asks the bar for a maximum of 0, which it refuses with its own error.
     bar.setMax(checked::mul(settings_.InterruptFor, kStepsPerSecond));
     // A break started again from 1 is still the one break that began first.
-    if (!state_.InMicropause) {
-        started_ = history_.now();
+    const bool fresh = !state_.InMicropause;
+    if (fresh) {
         origin_ = origin;
         endedEarly_ = false;
     }
@@ -47,6 +47,8 @@ void MicropauseBreak::TarvoMicropause(QLatin1String origin) {
         warnings_.AudibleWarning();
     tSeconds_.setInterval(vb::toLong(1000.0 / kStepsPerSecond));
     tSeconds_.setEnabled(true);
+    if (fresh) // from when it is on the screen, after the warning
+        started_ = history_.now();
     view_.presentBreak(settings_.Blank != 0);
 }
 

@@ -11,6 +11,7 @@
 #include <QTextStream>
 
 #include <cstdio>
+#include <cstdlib>
 
 namespace tarvo {
 
@@ -33,6 +34,15 @@ int fail(const QString& message) {
     return 1;
 }
 
+QString isoLocalTime(const StoredEvent& e) {
+    // The offset always as hours and minutes, also where it is 0 (Qt would write "Z" for UTC).
+    const int offset = std::abs(e.utcOffset) / 60;
+    return e.at().toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss")) + QLatin1Char(e.utcOffset < 0 ? '-' : '+') +
+           QStringLiteral("%1:%2")
+               .arg(offset / 60, 2, 10, QLatin1Char('0'))
+               .arg(offset % 60, 2, 10, QLatin1Char('0'));
+}
+
 } // namespace
 
 QString csvHeader() {
@@ -40,7 +50,7 @@ QString csvHeader() {
 }
 
 QString csvRow(const StoredEvent& e) {
-    return QStringList{e.at().toString(Qt::ISODate), historyKindName(e.kind), csvField(e.outcome),
+    return QStringList{isoLocalTime(e), historyKindName(e.kind), csvField(e.outcome),
                        QString::number(e.seconds), csvField(e.details)}
                .join(QLatin1Char(',')) +
            QLatin1Char('\n');

@@ -30,6 +30,7 @@ public:
     void record(const HistoryEvent& event) override;
 
     bool recording() const { return recording_; }
+    QString path() const { return database_.path(); }
     // Switches recording on or off, and keeps the choice.
     void setRecording(bool on);
     // Empties the history; false (with problem() saying why) when the file cannot be written.
