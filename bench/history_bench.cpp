@@ -1,0 +1,133 @@
+// The break history with a year in it: 250,000 events (a working day of 685 every day, in a fresh file),
+// then what the user-interface thread pays for it: one event's write, the median and the worst of 200;
+// the status window's pictures read from the file, worked out and painted (median of 5); and SQLite's
+// plan for the status window's reading and for the pruning at start-up, which must use the index.
+//   build/bench/history_bench
+#include "core/Clock.h"
+#include "history/HistoryLog.h"
+#include "history/HistoryPanel.h"
+#include "platform/linux/FileRegistryStore.h"
+#include "platform/linux/LinuxFiles.h"
+#include "settings/SettingsStore.h"
+
+#include <QApplication>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QTextStream>
+#include <QVariant>
+
+#include <algorithm>
+#include <chrono>
+#include <vector>
+
+using namespace tarvo;
+using Steady = std::chrono::steady_clock;
+
+namespace {
+
+constexpr int kEvents = 250000;
+
+double msSince(Steady::time_point start) {
+    return std::chrono::duration<double, std::milli>(Steady::now() - start).count();
+}
+
+double median(std::vector<double> v) {
+    std::sort(v.begin(), v.end());
+    return v[v.size() / 2];
+}
+
+// A year of days from 8:00, an event every 52 seconds: mostly micropauses, some ended early, natural
+// pauses, prompts and exercise breaks, one start and one shut-down a day.
+void fill(const QString& path, const QDateTime& now) {
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("fill"));
+        db.setDatabaseName(path);
+        db.open();
+        db.transaction();
+        QSqlQuery q(db);
+        q.prepare(QStringLiteral("INSERT INTO events (at, utc_offset, kind, outcome, seconds, details)"
+                                 " VALUES (?, ?, ?, ?, ?, ?)"));
+        const int perDay = kEvents / 365 + 1;
+        for (int i = 0; i < kEvents; ++i) {
+            const int day = i / perDay, n = i % perDay;
+            const QDateTime at = QDateTime(now.date().addDays(day - 364), QTime(8, 0)).addSecs(n * 52);
+            const char* kind = n == 0            ? "start"
+                               : n == perDay - 1 ? "shut down"
+                               : n % 50 == 0     ? "exercise break"
+                               : n % 25 == 0     ? "exercise prompt"
+                                                 : "micropause";
+            const char* outcome = n % 7 == 0 ? "ended early" : n % 5 == 0 ? "credited" : "completed";
+            q.addBindValue(at.toMSecsSinceEpoch());
+            q.addBindValue(at.offsetFromUtc());
+            q.addBindValue(QString::fromLatin1(kind));
+            q.addBindValue(QString::fromLatin1(outcome));
+            q.addBindValue(15);
+            q.addBindValue(QStringLiteral("scheduled"));
+            q.exec();
+        }
+        db.commit();
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("fill"));
+}
+
+void printPlan(QTextStream& out, const QString& path, const QString& sql) {
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("plan"));
+        db.setDatabaseName(path);
+        db.open();
+        QSqlQuery q(db);
+        q.exec(QStringLiteral("EXPLAIN QUERY PLAN ") + sql);
+        out << "plan of " << sql << ":\n";
+        while (q.next())
+            out << "    " << q.value(3).toString() << '\n';
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("plan"));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QTextStream out(stdout);
+    QTemporaryDir dir;
+    const Clock& clock = systemClock();
+    const QString path = dir.filePath(QStringLiteral("history.sqlite"));
+    FileRegistryStore store(dir.filePath(QStringLiteral("registry.reg")));
+    SettingsStore settings(store);
+    HistoryLog log(path, settings, clock);
+    log.record({HistoryKind::Startup, clock.localNow(), {}, 0, {}}); // the file, at its layout
+    fill(path, clock.localNow());
+
+    std::vector<double> writes;
+    HistoryDatabase database(path);
+    database.open(clock.localNow(), clock.localNow().addDays(-HistoryLog::kKeptDays));
+    for (int i = 0; i < 200; ++i) {
+        const auto start = Steady::now();
+        database.append({HistoryKind::Micropause, clock.localNow(), QStringLiteral("completed"), 15,
+                         QStringLiteral("scheduled")});
+        writes.push_back(msSince(start));
+    }
+    database.close();
+    out << "events: " << kEvents << "\n";
+    out << "one event's write: median " << median(writes) << " ms, worst "
+        << *std::max_element(writes.begin(), writes.end()) << " ms\n";
+
+    std::vector<double> opens;
+    for (int i = 0; i < 5; ++i) {
+        const auto start = Steady::now();
+        HistoryPanel panel(log, clock);
+        panel.resize(panel.sizeHint());
+        panel.grab(); // painted
+        opens.push_back(msSince(start));
+    }
+    out << "the status window's pictures, read, worked out and painted: median " << median(opens) << " ms\n";
+    printPlan(
+        out, path,
+        QStringLiteral(
+            "SELECT at, utc_offset, kind, outcome, seconds, details FROM events WHERE at >= 0 ORDER BY at"));
+    printPlan(out, path, QStringLiteral("DELETE FROM events WHERE at < 0"));
+    return 0;
+}
