@@ -41,6 +41,8 @@ HistoryTap::Moment HistoryTap::now() const {
 }
 
 void HistoryTap::record(HistoryKind kind, const Moment& start, QString outcome, QString details) {
+    if (!start.isSet())
+        return; // a break whose start nobody saw (one set up by hand) has no time to tell
     // The tick count, not the wall clock, measures the length: a clock set forward is no longer break.
     // Unsigned, so that a length across the count's wrap comes out right.
     const auto elapsedMs =
