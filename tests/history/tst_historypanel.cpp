@@ -1,14 +1,18 @@
 // The status window with two weeks of history: the pictures come below its texts, drawn from the file;
-// a note says when the history is not recorded. Leaves pictures of the window at 100% and 200% and on
-// a dark palette in the build's screenshots folder, to be looked at.
+// "History..." clears it only when the user says Yes, and switches it off, which a note then says.
+// Leaves pictures of the window at 100% and 200% and on a dark palette in the build's screenshots
+// folder, to be looked at.
 #include "history/HistoryLog.h"
 #include "history/HistoryPanel.h"
+#include "history/frmHistoryOptions.h"
 #include "micropause/MainForm.h"
 #include "micropause/frmTarvo.h"
 #include "support/FakeContext.h"
 
+#include <QCheckBox>
 #include <QLabel>
 #include <QPainter>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -70,7 +74,18 @@ private slots:
         form->setPalette(dark);
         QVERIFY(form->grab().save(shots + "status-history-dark.png"));
 
-        log.setRecording(false); // the window opened again says so
+        // "History...": Clear asks first, and only Yes empties; recording off, the window opened again says
+        // so.
+        frmHistoryOptions options(log, f.messages);
+        auto* clear = options.findChild<QPushButton*>("cmdClear");
+        f.messages.answerNext(MessageBox::Answer::No);
+        clear->click();
+        QVERIFY(!log.eventsSince({}).empty());
+        f.messages.answerNext(MessageBox::Answer::Yes);
+        clear->click();
+        QVERIFY(log.eventsSince({}).empty());
+        options.findChild<QCheckBox*>("chkRecord")->click();
+        QCOMPARE(f.store.model().value("Options", "RecordHistory"), "0");
         form->hide();
         QTRY_VERIFY(!main.form());
         main.showStatus();
