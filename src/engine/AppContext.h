@@ -14,6 +14,7 @@ class Clock;
 class FileDialog;
 class MediaCommands;
 class MessageBox;
+class PresenceMonitor;
 class RandomSource;
 class RegistryStore;
 class SoundPlayer;
@@ -31,6 +32,7 @@ struct Seams {
     FileDialog& files;
     MediaCommands& media;
     RandomSource& random;
+    PresenceMonitor& presence;
 };
 
 // What the running program shares: the seams, where the program's files are, and the process-wide

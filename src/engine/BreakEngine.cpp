@@ -9,8 +9,10 @@ BreakEngine::BreakEngine(AppContext& ctx, MainView& view, ExerciseView& exercise
     , tSeconds_(ctx.timers.createTimer(*this))
     , history_(ctx.clock)
     , micropause_(ctx.record, ctx.schedule, *tSeconds_, warnings, view, ctx.clock, history_)
+    , presence_(ctx.record, ctx.schedule, ctx.clock, ctx.presence, ctx.timers, scheduler_, micropause_,
+                warnings, view, exerciseView)
     , scheduler_(ctx.record, ctx.schedule, ctx.clock, ctx.monitor, *tMinutes_, *tSeconds_, micropause_,
-                 exercise_, warnings, view, exerciseView, history_)
+                 exercise_, warnings, view, exerciseView, presence_, history_)
     , exercise_(ctx, *tMinutes_, *tSeconds_, scheduler_, exerciseView, view, warnings, history_) {}
 
 BreakEngine::~BreakEngine() = default;

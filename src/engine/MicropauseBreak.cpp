@@ -65,6 +65,15 @@ void MicropauseBreak::breakTick() {
     bar.setValue(checked::add(bar.Value(), std::int32_t{1}));
     if (bar.Value() < bar.Max())
         return;
+    finish(true);
+}
+
+void MicropauseBreak::endAsTaken() {
+    if (state_.InMicropause)
+        finish(false);
+}
+
+void MicropauseBreak::finish(bool withSound) {
     tSeconds_.setEnabled(false);
     view_.dismissBreak();
     state_.InMicropause = false;
@@ -73,7 +82,7 @@ void MicropauseBreak::breakTick() {
     view_.showLastMicropause(QStringLiteral("Last tarvo micropause: ") + formatHhNn(clock_.localNow()));
     history_.record(HistoryKind::Micropause, started_, endedEarly_ ? outcome::EndedEarly : outcome::Completed,
                     origin_);
-    if (settings_.Audible)
+    if (withSound && settings_.Audible)
         warnings_.AudibleNotification();
 }
 

@@ -14,6 +14,7 @@ class ExerciseSequencer;
 class ExerciseView;
 class MainView;
 class MicropauseBreak;
+class PresenceHold;
 class Timer;
 class Warnings;
 struct SchedulerState;
@@ -35,6 +36,9 @@ struct SettingsRecord;
 // micropause; at least EveryM minutes starts the exercise countdown afresh. The sleep goes to the
 // history as what it was, not as a natural pause.
 //
+// A locked screen and a busy person (PresenceHold) hold the micropause, its pre-warning and the exercise
+// prompt as they fall due; the countdowns run on regardless.
+//
 // All counter arithmetic is checked: an overflow is run-time error 6 and leaves the handler, like any
 // other error of a tick; nothing here catches.
 class Scheduler {
@@ -42,7 +46,7 @@ public:
     Scheduler(const SettingsRecord& settings, SchedulerState& state, const Clock& clock,
               ActivityMonitor& monitor, Timer& tMinutes, Timer& tSeconds, MicropauseBreak& micropause,
               ExerciseSequencer& exercise, Warnings& warnings, MainView& view, ExerciseView& exerciseView,
-              HistoryTap& history);
+              PresenceHold& hold, HistoryTap& history);
     Scheduler(const Scheduler&) = delete;
     Scheduler& operator=(const Scheduler&) = delete;
 
@@ -67,6 +71,11 @@ public:
     // A natural pause that is still going on goes to the history as it stands (the program is ending).
     void closeNaturalPause();
 
+    // The user was away this long (a suspended machine, a locked screen): one micropause length or more
+    // is a natural micropause, EveryM minutes or more (with no prompt pending) restarts the exercise
+    // countdown. True when it restarted the exercise countdown.
+    bool awayFor(std::int64_t ms);
+
     // The tSeconds interval between breaks: InterruptFor seconds, in milliseconds.
     static int naturalPauseInterval(const SettingsRecord& settings);
 
@@ -89,6 +98,7 @@ private:
     Warnings& warnings_;
     MainView& view_;
     ExerciseView& exerciseView_;
+    PresenceHold& hold_;
     QString shownSource_;
     std::int64_t suspendedSeen_; // the clock's suspended total at the last tick
     HistoryTap& history_;

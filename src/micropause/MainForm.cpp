@@ -64,6 +64,7 @@ frmTarvo& MainForm::loaded() {
     showIfWritten(exerciseStatus_, form, &frmTarvo::showExerciseStatus);
     showIfWritten(voluntaryStatus_, form, &frmTarvo::showVoluntaryStatus);
     showIfWritten(activitySource_, form, &frmTarvo::showActivitySource);
+    showIfWritten(presenceStatus_, form, &frmTarvo::showPresenceStatus);
     centreOnPrimaryScreen(*form);
     form->installEventFilter(this);
     // A form loaded for a break that could not start (its bar refused the length) goes again.
@@ -129,6 +130,11 @@ void MainForm::showVoluntaryStatus(const QString& text) {
 void MainForm::showActivitySource(const QString& text) {
     activitySource_ = text;
     showIfWritten(text, form_.get(), &frmTarvo::showActivitySource);
+}
+
+void MainForm::showPresenceStatus(const QString& text) {
+    presenceStatus_ = text;
+    showIfWritten(text, form_.get(), &frmTarvo::showPresenceStatus);
 }
 
 } // namespace tarvo

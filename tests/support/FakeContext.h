@@ -3,6 +3,7 @@
 #include "engine/AppContext.h"
 #include "platform/fake/FakeActivityMonitor.h"
 #include "platform/fake/FakeClock.h"
+#include "platform/fake/FakePresenceMonitor.h"
 #include "platform/fake/ManualTimer.h"
 #include "platform/fake/MemoryRegistryStore.h"
 #include "platform/fake/RecordingMediaCommands.h"
@@ -24,7 +25,7 @@ struct FakeContext {
     explicit FakeContext(QString programFolder = QStringLiteral("/opt/tarvo"), const MonitorMaker& make = {})
         : madeMonitor(make ? make(clock) : nullptr)
         , ctx({store, clock, timeline, madeMonitor ? *madeMonitor : monitor, sound, messages, files, media,
-               random},
+               random, presence},
               std::move(programFolder)) {}
 
     tarvo::MemoryRegistryStore store;
@@ -36,6 +37,7 @@ struct FakeContext {
     tarvo::ScriptedFileDialog files;
     tarvo::RecordingMediaCommands media;
     tarvo::ScriptedRandom random;
+    tarvo::FakePresenceMonitor presence;
     std::unique_ptr<tarvo::ActivityMonitor> madeMonitor;
     tarvo::AppContext ctx;
 };

@@ -2,6 +2,7 @@
 
 #include "platform/linux/ActivityMonitorFactory.h"
 #include "platform/linux/CanberraSoundPlayer.h"
+#include "platform/linux/DesktopPresence.h"
 #include "platform/linux/FileRegistryStore.h"
 #include "platform/linux/LocalSingleInstance.h"
 #include "platform/linux/MciMediaCommands.h"
@@ -14,6 +15,10 @@
 #include "platform/linux/SystemRandom.h"
 #include "platform/linux/XkbStateFollower.h"
 
+#include <QDBusConnection>
+#include <QGuiApplication>
+
+#include <cstdio>
 #include <malloc.h>
 
 namespace tarvo {
@@ -44,10 +49,14 @@ struct LinuxPlatform::Seams {
     MciMediaCommands media{folder + QStringLiteral("/tarvovideo")};
     SystemRandom random;
     std::unique_ptr<XkbStateFollower> keyboardState = XkbStateFollower::attach();
+    DesktopPresence presence{QDBusConnection::sessionBus(), QDBusConnection::systemBus(), QByteArray(),
+                             QGuiApplication::platformName() == QLatin1String("xcb")};
 };
 
 LinuxPlatform::LinuxPlatform()
-    : seams_(std::make_unique<Seams>()) {}
+    : seams_(std::make_unique<Seams>()) {
+    std::fprintf(stderr, "%s\n", qPrintable(seams_->presence.report()));
+}
 
 LinuxPlatform::~LinuxPlatform() = default;
 
@@ -86,6 +95,9 @@ MediaCommands& LinuxPlatform::media() {
 }
 RandomSource& LinuxPlatform::random() {
     return seams_->random;
+}
+PresenceMonitor& LinuxPlatform::presence() {
+    return seams_->presence;
 }
 
 } // namespace tarvo

@@ -13,6 +13,7 @@ class Clock;
 class FileDialog;
 class MediaCommands;
 class MessageBox;
+class PresenceMonitor;
 class ProcessRunner;
 class RandomSource;
 class RegistryStore;
@@ -59,6 +60,7 @@ public:
     FileDialog& files();
     MediaCommands& media();
     RandomSource& random();
+    PresenceMonitor& presence();
 
 private:
     struct Seams;
