@@ -10,7 +10,7 @@ BreakEngine::BreakEngine(AppContext& ctx, MainView& view, ExerciseView& exercise
     , history_(ctx.clock)
     , micropause_(ctx.record, ctx.schedule, *tSeconds_, warnings, view, ctx.clock, history_)
     , presence_(ctx.record, ctx.schedule, ctx.clock, ctx.presence, ctx.timers, scheduler_, micropause_,
-                warnings, view, exerciseView)
+                warnings, view, exerciseView, history_)
     , scheduler_(ctx.record, ctx.schedule, ctx.clock, ctx.monitor, *tMinutes_, *tSeconds_, micropause_,
                  exercise_, warnings, view, exerciseView, presence_, history_)
     , exercise_(ctx, *tMinutes_, *tSeconds_, scheduler_, exerciseView, view, warnings, history_) {}
@@ -23,6 +23,7 @@ void BreakEngine::programStarts() {
 
 void BreakEngine::programEnds() {
     scheduler_.closeNaturalPause();
+    presence_.programEnds();
     history_.record(HistoryKind::Shutdown, history_.now().local, {}, 0);
 }
 

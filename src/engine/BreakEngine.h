@@ -37,7 +37,8 @@ public:
     Timer& tSeconds() { return *tSeconds_; }
 
     // Where the engine's events go; start-up connects the recorder, and tells the start and the end of
-    // the program through it too (programEnds first closes a natural pause that is still going on).
+    // the program through it too (programEnds first closes a natural pause, a lock or a hold that is still
+    // going on).
     HistoryTap& history() { return history_; }
     void programStarts();
     void programEnds();

@@ -10,8 +10,8 @@
 namespace tarvo {
 
 // What the user's days were made of, told as it happens so that the user can look back on it: the
-// breaks taken, skipped and put off, the machine asleep, the program started and ended. Locks and
-// holds are the presence watcher's to tell.
+// breaks taken, skipped and put off, the machine asleep or the screen locked, breaks held while the
+// person was busy, the program started and ended.
 enum class HistoryKind { Startup, Shutdown, Micropause, ExercisePrompt, ExerciseBreak, Sleep, Lock, Hold };
 
 // The kind as the history stores and exports it ("micropause", "exercise prompt", ...), and back.
@@ -27,7 +27,14 @@ inline constexpr QLatin1String Quit{"quit"};              // an exercise break t
 inline constexpr QLatin1String ExerciseNow{"exercise now"};
 inline constexpr QLatin1String Later{"later"};
 inline constexpr QLatin1String Closed{"closed"}; // the prompt closed without an answer
-inline constexpr QLatin1String Away{"away"};     // asleep, locked or held
+inline constexpr QLatin1String Away{"away"};     // asleep or locked
+// What became of the breaks a hold kept back: they came when it ended, or by the hold's limit; or a
+// pause of the user's own (a natural pause, a long lock, an exercise break) took their place; or the
+// program ended first.
+inline constexpr QLatin1String CameAfter{"came after"};
+inline constexpr QLatin1String CameAtLimit{"came at the limit"};
+inline constexpr QLatin1String Covered{"covered"};
+inline constexpr QLatin1String StillHeld{"still held"};
 } // namespace outcome
 
 // Where a micropause came from, as its details say.

@@ -65,6 +65,10 @@ void TodayTimeline::paintEvent(QPaintEvent*) {
         case TimelineMark::Type::Away:
             p.fillRect(QRectF(from, band.top(), w, band.height()), historycolor::Away);
             break;
+        case TimelineMark::Type::Held: // still work: the band shows above it
+            p.fillRect(QRectF(from, band.bottom() - band.height() / 3, w, band.height() / 3),
+                       historycolor::Held);
+            break;
         case TimelineMark::Type::Skipped:
         case TimelineMark::Type::Postponed: {
             // Set apart below the band: a small triangle pointing at the moment.

@@ -14,10 +14,12 @@ inline const QColor Skipped(0xe0, 0x5a, 0x47);
 inline const QColor Postponed(0xe9, 0xa8, 0x3a);
 inline const QColor Work(0x6c, 0x8e, 0xbf);
 inline const QColor Away(0x8a, 0x8a, 0x8a);
+inline const QColor Held(0x9b, 0x6f, 0xc4);
 } // namespace historycolor
 
 // Today from the first hour of work to now: work as a band, breaks taken as marks across it, time away
-// in grey, skipped and put-off breaks as marks below it. Sized by the font, so that it scales.
+// in grey, time in which breaks were held as a strip along its foot, skipped and put-off breaks as
+// marks below it. Sized by the font, so that it scales.
 class TodayTimeline : public QWidget {
 public:
     TodayTimeline(const HistorySummary& summary, std::int64_t nowSeconds, QWidget* parent = nullptr);

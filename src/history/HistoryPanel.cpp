@@ -62,6 +62,7 @@ HistoryPanel::HistoryPanel(HistoryLog& log, const Clock& clock, QWidget* parent)
         QStringList{swatch(historycolor::Work, tr("work")), swatch(historycolor::Taken, tr("breaks taken")),
                     swatch(historycolor::Skipped, tr("skipped")),
                     swatch(historycolor::Postponed, tr("put off")), swatch(historycolor::Away, tr("away")),
+                    swatch(historycolor::Held, tr("held")),
                     tr("&#9679;&nbsp;longest&nbsp;stretch&nbsp;of&nbsp;work")}
             .join(QStringLiteral(" &nbsp; ")),
         this);

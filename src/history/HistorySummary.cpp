@@ -7,7 +7,7 @@ namespace tarvo {
 
 namespace {
 
-enum class Effect { None, Taken, Skipped, Postponed, Away };
+enum class Effect { None, Taken, Skipped, Postponed, Away, Held };
 
 Effect effectOf(const StoredEvent& e) {
     switch (e.kind) {
@@ -23,8 +23,9 @@ Effect effectOf(const StoredEvent& e) {
         return e.outcome == outcome::Closed ? Effect::Skipped : Effect::None;
     case HistoryKind::Sleep:
     case HistoryKind::Lock:
-    case HistoryKind::Hold:
         return Effect::Away;
+    case HistoryKind::Hold:
+        return Effect::Held;
     case HistoryKind::Startup:
     case HistoryKind::Shutdown:
         break;
@@ -109,6 +110,9 @@ private:
         case Effect::Postponed:
             ++totals.postponed;
             type = Type::Postponed;
+            break;
+        case Effect::Held:
+            type = Type::Held;
             break;
         default:
             break;

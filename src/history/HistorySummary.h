@@ -14,9 +14,9 @@ namespace tarvo {
 // A break counts as taken (a micropause to its end, a natural pause, an exercise break to its end),
 // skipped (a micropause ended early, an exercise break quit, the prompt closed without an answer) or
 // put off (the prompt's "Later"). Work is the time the program ran (start to shut-down; a run that
-// ended without one ends at its last event) less the breaks taken and the time away (asleep, locked,
-// held): a stretch runs from one such break to the next, and a stretch across midnight counts on each
-// day for its part. Days are local days.
+// ended without one ends at its last event) less the breaks taken and the time away (asleep, locked):
+// a stretch runs from one such break to the next, and a stretch across midnight counts on each day for
+// its part. Time in which breaks were held back is work, marked as held. Days are local days.
 struct DayTotals {
     QDate day;
     int taken = 0, skipped = 0, postponed = 0;
@@ -28,7 +28,7 @@ struct TimeSpan {
 };
 
 struct TimelineMark {
-    enum class Type { Taken, Skipped, Postponed, Away };
+    enum class Type { Taken, Skipped, Postponed, Away, Held };
     std::int64_t at = 0; // seconds since the day's local midnight
     std::int64_t seconds = 0;
     HistoryKind kind = HistoryKind::Micropause;

@@ -197,9 +197,10 @@ private slots:
     }
 
 private slots:
-    // A day as the history gets it: one event per break, prompt, sleep, start and end, each at its
-    // beginning, with its length; a natural pause is one event however many checks it spans, told once
-    // the user is back (or the program ends).
+    // A day as the history gets it: one event per break, prompt, sleep, lock, hold, start and end, each
+    // at its beginning, with its length; a natural pause is one event however many checks it spans, told
+    // once the user is back (or the program ends); a hold runs from the break it first held, or from when
+    // the person got busy with breaks the lock held, to the moment they came.
     void aDayInTheHistory() {
         EngineRig rig;
         loadScheme(rig);
@@ -233,6 +234,13 @@ private slots:
         rig.exercise.promptUnloaded();
         wholeBreak(rig);
         rig.run(1, -1);
+        rig.presence.set(PresenceCondition::Locked, true);
+        rig.runSeconds(60); // the password typed meanwhile; the prompt falls due as the lock ends ...
+        rig.presence.set(PresenceCondition::Locked, false);
+        rig.presence.set(PresenceCondition::FullScreen, true); // ... and waits on for the film
+        rig.run(2, 0);
+        rig.presence.set(PresenceCondition::FullScreen, false);
+        rig.runSeconds(20);
         rig.engine.programEnds();
         QCOMPARE(rig.history,
                  QStringList({"09:00:00|start||0|", "09:05:00|micropause|completed|15|scheduled",
@@ -242,7 +250,9 @@ private slots:
                               "09:28:03|exercise break|quit|3|1 of 6 exercises, from the menu",
                               "09:30:06|exercise prompt|exercise now|0|",
                               "09:30:06|exercise break|completed|21|6 of 6 exercises, from the prompt",
-                              "09:30:42|micropause|credited|45|natural", "09:31:27|shut down||0|"}));
+                              "09:30:42|micropause|credited|45|natural",
+                              "09:31:27|lock|away|60|natural micropause",
+                              "09:32:27|hold|came after|122|full-screen window", "09:34:47|shut down||0|"}));
     }
 
     // Six per break over four included exercises: the title, 1–4 and 1, each for its seconds plus one

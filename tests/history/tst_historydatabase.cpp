@@ -168,6 +168,7 @@ private slots:
         const std::vector<StoredEvent> events = {
             e(at(yesterday, 8, 0), K::Startup),
             e(at(yesterday, 9, 0), K::Micropause, outcome::Completed, 60),  // 1 h of work
+            e(at(yesterday, 9, 30), K::Hold, outcome::CameAfter, 1200),     // held, but work goes on
             e(at(yesterday, 10, 0), K::Micropause, outcome::EndedEarly, 3), // no break: work goes on
             e(at(yesterday, 10, 30), K::ExercisePrompt, outcome::Later, 600),
             e(at(yesterday, 11, 1), K::ExerciseBreak, outcome::Completed, 300), // 2 h of work
@@ -176,6 +177,7 @@ private slots:
             e(at(yesterday, 13, 30), K::Shutdown),
             e(at(yesterday, 22, 0), K::Startup),
             e(at(today, 0, 30), K::Micropause, outcome::Credited, 600), // 2 h 30 across midnight
+            e(at(today, 1, 0), K::Hold, outcome::Covered, 300),
         };
         const HistorySummary s =
             summariseHistory(events, yesterday.addDays(-1), QDateTime(today, QTime(2, 0)));
@@ -192,9 +194,10 @@ private slots:
         QCOMPARE(QList<std::int64_t>(
                      {s.todayWork[0].from, s.todayWork[0].to, s.todayWork[1].from, s.todayWork[1].to}),
                  QList<std::int64_t>({0, 1800, 2400, 7200}));
-        QCOMPARE(s.todayMarks.size(), 1u);
+        QCOMPARE(s.todayMarks.size(), 2u);
         QCOMPARE(s.todayMarks[0].at, std::int64_t{1800});
         QVERIFY(s.todayMarks[0].type == TimelineMark::Type::Taken);
+        QVERIFY(s.todayMarks[1].type == TimelineMark::Type::Held && s.todayMarks[1].seconds == 300);
         QCOMPARE(stretchText(7140) + " / " + stretchText(1800), "1 h 59 / 30 min");
     }
 };
