@@ -4,10 +4,12 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSqlDatabase>
+#include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
 
+#include <dlfcn.h>
 #include <limits>
 #include <optional>
 
@@ -48,6 +50,28 @@ static_assert(std::size(kSteps) == HistoryDatabase::kSchemaVersion);
 
 int nextConnection = 0;
 
+// Each opening reads the whole log again (nobody keeps its index between events), and SQLite's own
+// checkpoints would copy all of it again each time: the log is copied into the file, and emptied, once
+// it has grown this large, a few dozen events.
+constexpr qint64 kMostLogBytes = 256 * 1024;
+
+// The connection is closed after every event; SQLite's last close would copy the log into the file
+// then and flush both to the disk, which takes milliseconds the user-interface thread must not wait.
+// Without it the log stays, and is copied (in its own flushes) by the checkpoint SQLite makes once it
+// has grown to wal_autocheckpoint pages. Qt's driver offers no such option: the setting goes to
+// SQLite directly, through the library the driver has loaded (SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE).
+void skipCheckpointOnClose(const QSqlDatabase& db) {
+    using DbConfig = int (*)(void*, int, ...);
+    constexpr int kNoCheckpointOnClose = 1006;
+    static const auto dbConfig = []() -> DbConfig {
+        void* library = dlopen("libsqlite3.so.0", RTLD_LAZY | RTLD_NOLOAD);
+        return library ? reinterpret_cast<DbConfig>(dlsym(library, "sqlite3_db_config")) : nullptr;
+    }();
+    const QVariant handle = db.driver()->handle();
+    if (dbConfig && handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0)
+        dbConfig(*static_cast<void* const*>(handle.constData()), kNoCheckpointOnClose, 1, nullptr);
+}
+
 } // namespace
 
 QDateTime StoredEvent::at() const {
@@ -68,6 +92,9 @@ bool HistoryDatabase::isOpen() const {
 void HistoryDatabase::close() {
     if (connection_.isEmpty())
         return;
+    if (QFileInfo(path_ + QLatin1String("-wal")).size() > kMostLogBytes)
+        QSqlQuery(QSqlDatabase::database(connection_, false))
+            .exec(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
     QSqlDatabase::database(connection_, false).close();
     QSqlDatabase::removeDatabase(connection_);
     connection_.clear();
@@ -107,6 +134,7 @@ bool HistoryDatabase::openFile() {
     db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=0"));
     if (!db.open())
         return fail(db.lastError());
+    skipCheckpointOnClose(db);
     return true;
 }
 
@@ -115,10 +143,6 @@ bool HistoryDatabase::prepare(const QDateTime& now) {
     int version = 0;
     {
         QSqlQuery q(QSqlDatabase::database(connection_, false));
-        // A small cache, set before the first page is read: the connection stays open for the whole
-        // run, and a write touches a handful of pages (SQLite would otherwise set aside room for 20 at
-        // once, and keep up to 2 MiB of what the pictures read).
-        q.exec(QStringLiteral("PRAGMA cache_size = -64"));
         if (q.exec(QStringLiteral("PRAGMA user_version")) && q.next())
             version = q.value(0).toInt();
         else
@@ -136,9 +160,11 @@ bool HistoryDatabase::prepare(const QDateTime& now) {
                         QStringLiteral("%1 was written by a newer version of Tarvo Micropause")
                             .arg(QDir::toNativeSeparators(path_)));
     // Write-ahead logging is a property of the file, set once; synchronous NORMAL is safe with it (a
-    // power cut may lose the last events, never the file) and spares the disk a flush per event.
+    // power cut may lose the last events, never the file) and spares the disk a flush per event. The
+    // log is copied into the file by close(), not by SQLite's own checkpoints.
     if (!q.exec(QStringLiteral("PRAGMA journal_mode=WAL")) ||
-        !q.exec(QStringLiteral("PRAGMA synchronous=NORMAL")))
+        !q.exec(QStringLiteral("PRAGMA synchronous=NORMAL")) ||
+        !q.exec(QStringLiteral("PRAGMA wal_autocheckpoint=0")))
         return fail(q.lastError());
     return version == kSchemaVersion || migrate(version);
 }
@@ -232,9 +258,6 @@ bool HistoryDatabase::forEach(const QDateTime& from, const std::function<void(co
     }
     if (q.lastError().isValid())
         return fail(q.lastError());
-    // The pages read for the pictures stay in SQLite's cache for the life of the connection: they go
-    // back now, since the next event's write needs only a few.
-    q.exec(QStringLiteral("PRAGMA shrink_memory"));
     return true;
 }
 

@@ -10,10 +10,12 @@
 
 namespace tarvo {
 
-HistoryLog::HistoryLog(QString path, SettingsStore& settings, const Clock& clock)
+HistoryLog::HistoryLog(QString path, SettingsStore& settings, const Clock& clock,
+                       std::function<void()> afterUse)
     : database_(std::move(path))
     , settings_(settings)
     , clock_(clock)
+    , afterUse_(std::move(afterUse))
     , recording_(settings.readNumber(option("RecordHistory")) != 0) {}
 
 HistoryLog::~HistoryLog() = default;
@@ -51,17 +53,19 @@ void HistoryLog::record(const HistoryEvent& event) {
         return;
     while (!waiting_.empty()) {
         if (!database_.append(waiting_.front())) {
-            report(database_.problem());
-            // A file in use or a full disk may pass with the connection as it is; anything else is
-            // opened afresh at the next event.
-            const auto failure = database_.failure();
-            if (failure != HistoryDatabase::Failure::Busy && failure != HistoryDatabase::Failure::NoSpace)
-                database_.close();
-            return;
+            report(database_.problem()); // the events wait for the next one
+            break;
         }
         waiting_.pop_front();
     }
-    problem_.clear();
+    if (waiting_.empty())
+        problem_.clear();
+    done();
+}
+
+void HistoryLog::done() {
+    database_.close();
+    afterUse_();
 }
 
 void HistoryLog::setRecording(bool on) {
@@ -76,16 +80,19 @@ void HistoryLog::setRecording(bool on) {
 
 bool HistoryLog::clear() {
     waiting_.clear();
-    if (ready() && database_.clear())
-        return true;
-    report(database_.problem());
-    return false;
+    const bool cleared = ready() && database_.clear();
+    if (!cleared)
+        report(database_.problem());
+    done();
+    return cleared;
 }
 
 std::vector<StoredEvent> HistoryLog::eventsSince(const QDateTime& from) {
     if (!ready())
         return {};
-    return database_.eventsSince(from);
+    std::vector<StoredEvent> events = database_.eventsSince(from);
+    done();
+    return events;
 }
 
 void HistoryLog::report(const QString& problem) {

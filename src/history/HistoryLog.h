@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <deque>
+#include <functional>
 #include <memory>
 
 namespace tarvo {
@@ -18,13 +19,18 @@ class SettingsStore;
 // as it happens, unless the user has switched recording off ("RecordHistory"). The file is opened at
 // the first event, not before, with the events older than 400 days pruned then.
 //
+// The file is open only while an event is written or the pictures read it: between events the program
+// keeps nothing of SQLite's (its caches, the log's shared index), and gives the memory back through
+// `afterUse` (the platform's releaseFreedMemory).
+//
 // Nothing here stops the program: when the file cannot be written, the program runs on, says why once
 // on standard error and in the status window (problem()), and tries again at the next event. Events
 // that met a file in use by another program wait in memory (a few, not forever) and follow with the
 // next event that gets through.
 class HistoryLog : public HistoryRecorder {
 public:
-    HistoryLog(QString path, SettingsStore& settings, const Clock& clock);
+    HistoryLog(
+        QString path, SettingsStore& settings, const Clock& clock, std::function<void()> afterUse = [] {});
     ~HistoryLog();
 
     void record(const HistoryEvent& event) override;
@@ -47,11 +53,13 @@ public:
 
 private:
     bool ready();
+    void done();
     void report(const QString& problem);
 
     HistoryDatabase database_;
     SettingsStore& settings_;
     const Clock& clock_;
+    std::function<void()> afterUse_;
     bool recording_;
     bool opened_ = false;  // opened once this run (the pruning is done)
     bool givenUp_ = false; // a file of a newer version, or no driver: no use trying again this run
