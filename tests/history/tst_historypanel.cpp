@@ -45,6 +45,10 @@ private slots:
             add(HistoryKind::ExerciseBreak, day.addSecs(4 * 3600), outcome::Completed, 240);
             if (ago > 0)
                 add(HistoryKind::Shutdown, day.addSecs(8 * 3600 - ago * 900));
+            else { // today the screen was locked at 13:05, and breaks were held from 14:05
+                add(HistoryKind::Lock, day.addSecs(5 * 3600 + 300), outcome::Away, 600);
+                add(HistoryKind::Hold, day.addSecs(6 * 3600 + 300), outcome::CameAfter, 1200);
+            }
         }
         MainForm main;
         main.setStatusPanelMaker([&] { return std::make_unique<HistoryPanel>(log, f.clock); });
