@@ -1,7 +1,7 @@
 // The history file against real SQLite files in a temporary folder: an older layout brought up to date
 // with its events kept, old events pruned, the export's rows; files that cannot be written (damaged,
 // of a newer version, held by another connection, in a folder that cannot be made) and recording off;
-// and the summary the pictures draw.
+// the log kept short; and the summary the pictures draw.
 #include "history/HistoryExport.h"
 #include "history/HistoryLog.h"
 #include "history/HistorySummary.h"
@@ -101,6 +101,12 @@ private slots:
         QVERIFY(plan.exec("EXPLAIN QUERY PLAN SELECT * FROM events WHERE at >= 0 ORDER BY at") &&
                 plan.next());
         QVERIFY2(plan.value(3).toString().contains("INDEX events_at"), qPrintable(plan.value(3).toString()));
+        // The log, read again at every opening, is emptied into the file as it grows past 256 KiB.
+        for (int i = 0; i < 150; ++i)
+            rig.log.record(
+                happened(HistoryKind::Micropause, now, outcome::Completed, 15, QString(4000, 'x')));
+        QVERIFY(QFileInfo(rig.path + "-wal").size() < 300 * 1024);
+        QCOMPARE(rig.count(), 152);
     }
 
     // Whatever the file, the program runs on and says why nothing is recorded; a damaged file is kept
