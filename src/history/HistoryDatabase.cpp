@@ -3,8 +3,10 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QPluginLoader>
 #include <QSqlDatabase>
 #include <QSqlDriver>
+#include <QSqlDriverPlugin>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
@@ -12,6 +14,17 @@
 #include <dlfcn.h>
 #include <limits>
 #include <optional>
+
+// SQLite's handles, as the driver hands them out in a QVariant. The driver registers their types with Qt
+// by name, keeping a description that lives in the driver's own memory; once the driver is unloaded
+// Qt's register would point at nothing, and loading the driver again would read it. Registered here
+// first, the names stay with the program's own descriptions, which the driver's then share.
+struct sqlite3;
+struct sqlite3_stmt;
+Q_DECLARE_OPAQUE_POINTER(sqlite3*)
+Q_DECLARE_METATYPE(sqlite3*)
+Q_DECLARE_OPAQUE_POINTER(sqlite3_stmt*)
+Q_DECLARE_METATYPE(sqlite3_stmt*)
 
 namespace tarvo {
 
@@ -59,17 +72,20 @@ constexpr qint64 kMostLogBytes = 256 * 1024;
 // then and flush both to the disk, which takes milliseconds the user-interface thread must not wait.
 // Without it the log stays, and is copied (in its own flushes) by the checkpoint SQLite makes once it
 // has grown to wal_autocheckpoint pages. Qt's driver offers no such option: the setting goes to
-// SQLite directly, through the library the driver has loaded (SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE).
+// SQLite directly, through the library the driver has loaded (SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE). The
+// library is looked up each time and let go at once: a reference kept here would hold it in memory
+// after the driver is unloaded.
 void skipCheckpointOnClose(const QSqlDatabase& db) {
     using DbConfig = int (*)(void*, int, ...);
     constexpr int kNoCheckpointOnClose = 1006;
-    static const auto dbConfig = []() -> DbConfig {
-        void* library = dlopen("libsqlite3.so.0", RTLD_LAZY | RTLD_NOLOAD);
-        return library ? reinterpret_cast<DbConfig>(dlsym(library, "sqlite3_db_config")) : nullptr;
-    }();
+    void* library = dlopen("libsqlite3.so.0", RTLD_LAZY | RTLD_NOLOAD);
+    if (!library)
+        return;
+    const auto dbConfig = reinterpret_cast<DbConfig>(dlsym(library, "sqlite3_db_config"));
     const QVariant handle = db.driver()->handle();
     if (dbConfig && handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0)
         dbConfig(*static_cast<void* const*>(handle.constData()), kNoCheckpointOnClose, 1, nullptr);
+    dlclose(library);
 }
 
 } // namespace
@@ -82,7 +98,7 @@ HistoryDatabase::HistoryDatabase(QString path)
     : path_(std::move(path)) {}
 
 HistoryDatabase::~HistoryDatabase() {
-    close();
+    unloadDriver();
 }
 
 bool HistoryDatabase::isOpen() const {
@@ -121,14 +137,33 @@ bool HistoryDatabase::open(const QDateTime& now, const QDateTime& pruneBefore) {
     return true;
 }
 
+// The driver is loaded here, not through QSqlDatabase's own list of drivers, which would keep it (and
+// SQLite with it) in memory for the rest of the run.
+QSqlDriver* HistoryDatabase::createDriver() {
+    if (!driver_) {
+        qRegisterMetaType<sqlite3*>();
+        qRegisterMetaType<sqlite3_stmt*>();
+        driver_ = std::make_unique<QPluginLoader>(QStringLiteral("sqldrivers/qsqlite"));
+        driver_->setLoadHints({}); // a plugin loader keeps its plugin for good unless told otherwise
+    }
+    auto* plugin = qobject_cast<QSqlDriverPlugin*>(driver_->instance());
+    return plugin ? plugin->create(QStringLiteral("QSQLITE")) : nullptr;
+}
+
+void HistoryDatabase::unloadDriver() {
+    close();
+    if (driver_ && driver_->isLoaded()) {
+        driver_->unload();
+    }
+}
+
 bool HistoryDatabase::openFile() {
-    connection_ = QStringLiteral("tarvo-history-%1").arg(++nextConnection);
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection_);
-    if (!db.isValid()) {
-        close();
+    QSqlDriver* driver = createDriver();
+    if (!driver)
         return failWith(Failure::NoDriver,
                         QStringLiteral("Qt's SQLite driver is not installed (libqt6sql6-sqlite)"));
-    }
+    connection_ = QStringLiteral("tarvo-history-%1").arg(++nextConnection);
+    QSqlDatabase db = QSqlDatabase::addDatabase(driver, connection_); // the connection owns the driver
     db.setDatabaseName(path_);
     // Never wait for another process's lock: the caller runs on the user-interface thread.
     db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=0"));

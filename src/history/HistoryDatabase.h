@@ -6,9 +6,12 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <vector>
 
 QT_BEGIN_NAMESPACE
+class QPluginLoader;
+class QSqlDriver;
 class QSqlError;
 QT_END_NAMESPACE
 
@@ -54,6 +57,9 @@ public:
     bool open(const QDateTime& now, const QDateTime& pruneBefore = {});
     bool isOpen() const;
     void close();
+    // Closes the file and lets Qt's SQLite driver and SQLite itself go from memory; open() loads them
+    // again.
+    void unloadDriver();
 
     bool append(const HistoryEvent& event);
     bool clear();
@@ -69,6 +75,7 @@ public:
     QString path() const { return path_; }
 
 private:
+    QSqlDriver* createDriver();
     bool openFile();
     bool prepare(const QDateTime& now);
     bool migrate(int from);
@@ -78,6 +85,7 @@ private:
     bool setDamagedAside(const QDateTime& now);
 
     QString path_;
+    std::unique_ptr<QPluginLoader> driver_;
     QString connection_;
     Failure failure_ = Failure::None;
     QString problem_;

@@ -10,13 +10,16 @@
 
 namespace tarvo {
 
-HistoryLog::HistoryLog(QString path, SettingsStore& settings, const Clock& clock,
+HistoryLog::HistoryLog(QString path, SettingsStore& settings, const Clock& clock, TimerFactory& timers,
                        std::function<void()> afterUse)
     : database_(std::move(path))
     , settings_(settings)
     , clock_(clock)
     , afterUse_(std::move(afterUse))
-    , recording_(settings.readNumber(option("RecordHistory")) != 0) {}
+    , quiet_(timers.createTimer(*this))
+    , recording_(settings.readNumber(option("RecordHistory")) != 0) {
+    quiet_->setInterval(kQuietMs);
+}
 
 HistoryLog::~HistoryLog() = default;
 
@@ -32,6 +35,7 @@ bool HistoryLog::ready() {
         givenUp_ =
             failure == HistoryDatabase::Failure::Newer || failure == HistoryDatabase::Failure::NoDriver;
         report(database_.problem());
+        done(); // the driver, loaded for nothing, goes too
         return false;
     }
     opened_ = true;
@@ -66,6 +70,15 @@ void HistoryLog::record(const HistoryEvent& event) {
 void HistoryLog::done() {
     database_.close();
     afterUse_();
+    // Each use starts the quiet period afresh.
+    quiet_->setEnabled(false);
+    quiet_->setEnabled(true);
+}
+
+void HistoryLog::timerTick(Timer&) {
+    quiet_->setEnabled(false);
+    database_.unloadDriver();
+    afterUse_();
 }
 
 void HistoryLog::setRecording(bool on) {
@@ -74,7 +87,8 @@ void HistoryLog::setRecording(bool on) {
     if (!on) {
         waiting_.clear();
         problem_.clear();
-        database_.close(); // nothing is kept open for a history that is not kept
+        quiet_->setEnabled(false);
+        database_.unloadDriver(); // nothing is kept for a history that is not kept
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Timer.h"
 #include "engine/HistoryRecorder.h"
 #include "history/HistoryDatabase.h"
 
@@ -21,16 +22,19 @@ class SettingsStore;
 //
 // The file is open only while an event is written or the pictures read it: between events the program
 // keeps nothing of SQLite's (its caches, the log's shared index), and gives the memory back through
-// `afterUse` (the platform's releaseFreedMemory).
+// `afterUse` (the platform's releaseFreedMemory). Qt's SQLite driver and SQLite itself stay loaded for
+// a few quiet seconds after, so that the events of a burst (a break's end and the next prompt) do not
+// load them once each, and are then unloaded: the idle program does not carry them.
 //
 // Nothing here stops the program: when the file cannot be written, the program runs on, says why once
 // on standard error and in the status window (problem()), and tries again at the next event. Events
 // that met a file in use by another program wait in memory (a few, not forever) and follow with the
 // next event that gets through.
-class HistoryLog : public HistoryRecorder {
+class HistoryLog : public HistoryRecorder, private Timer::Listener {
 public:
     HistoryLog(
-        QString path, SettingsStore& settings, const Clock& clock, std::function<void()> afterUse = [] {});
+        QString path, SettingsStore& settings, const Clock& clock, TimerFactory& timers,
+        std::function<void()> afterUse = [] {});
     ~HistoryLog();
 
     void record(const HistoryEvent& event) override;
@@ -50,16 +54,19 @@ public:
 
     static constexpr int kKeptDays = 400;
     static constexpr std::size_t kMostWaiting = 1000;
+    static constexpr int kQuietMs = 3000; // after the last use, before the driver is unloaded
 
 private:
     bool ready();
     void done();
     void report(const QString& problem);
+    void timerTick(Timer& timer) override;
 
     HistoryDatabase database_;
     SettingsStore& settings_;
     const Clock& clock_;
     std::function<void()> afterUse_;
+    std::unique_ptr<Timer> quiet_;
     bool recording_;
     bool opened_ = false;  // opened once this run (the pruning is done)
     bool givenUp_ = false; // a file of a newer version, or no driver: no use trying again this run

@@ -56,7 +56,7 @@ void TarvoProgram::startRunning() {
     exerciseScreens_->attach(engine_->exercise());
     exerciseScreens_->setAfterBreak(shell_.releaseFreedMemory);
     if (!shell_.historyPath.isEmpty()) {
-        history_ = std::make_unique<HistoryLog>(shell_.historyPath, ctx_.settings, ctx_.clock,
+        history_ = std::make_unique<HistoryLog>(shell_.historyPath, ctx_.settings, ctx_.clock, ctx_.timers,
                                                 shell_.releaseFreedMemory);
         engine_->history().connect(history_.get());
         mainForm_->setStatusPanelMaker(

@@ -9,7 +9,9 @@
 #include "support/FakeContext.h"
 
 #include <QElapsedTimer>
+#include <QPluginLoader>
 #include <QSqlDatabase>
+#include <QSqlDriverPlugin>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QTemporaryDir>
@@ -21,10 +23,15 @@ using namespace tarvo;
 
 namespace {
 
-// A connection of the test's own, as another program would have it; closed when it goes.
+// A connection of the test's own, as another program would have it; closed, and its driver unloaded,
+// when it goes.
 struct OtherConnection {
+    QPluginLoader driver{"sqldrivers/qsqlite"};
     explicit OtherConnection(const QString& path) {
-        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "other");
+        driver.setLoadHints({});
+        auto* plugin = qobject_cast<QSqlDriverPlugin*>(driver.instance());
+        QVERIFY(plugin);
+        QSqlDatabase db = QSqlDatabase::addDatabase(plugin->create("QSQLITE"), "other");
         db.setDatabaseName(path);
         db.setConnectOptions("QSQLITE_BUSY_TIMEOUT=0");
         QVERIFY(db.open());
@@ -32,6 +39,7 @@ struct OtherConnection {
     ~OtherConnection() {
         QSqlDatabase::database("other", false).close();
         QSqlDatabase::removeDatabase("other");
+        driver.unload();
     }
     QVariant value(const QString& sql) {
         QSqlQuery q(QSqlDatabase::database("other", false));
@@ -45,10 +53,15 @@ HistoryEvent happened(HistoryKind kind, const QDateTime& at, QLatin1String outco
     return {kind, at, QString(outcome), seconds, details};
 }
 
+bool sqliteMapped() {
+    QFile maps("/proc/self/maps");
+    return maps.open(QIODevice::ReadOnly) && maps.readAll().contains("libsqlite3");
+}
+
 struct Rig : FakeContext {
     QTemporaryDir dir;
     QString path = dir.filePath("tarvo/history.sqlite");
-    HistoryLog log{path, ctx.settings, clock};
+    HistoryLog log{path, ctx.settings, clock, timeline};
     int count() { return static_cast<int>(log.eventsSince({}).size()); }
 };
 
@@ -88,6 +101,12 @@ private slots:
         const QDateTime india = QDateTime(QDate(2026, 11, 23), QTime(14, 30), Qt::OffsetFromUTC, 19800);
         rig.log.record(happened(HistoryKind::ExerciseBreak, india, outcome::Quit, 42, "2 of 6, \"Arms\""));
         QCOMPARE(rig.log.problem(), QString());
+        // SQLite stays in memory for a quiet period after each use, no longer, and comes back for the next.
+        QVERIFY(sqliteMapped());
+        rig.timeline.advance(HistoryLog::kQuietMs);
+        QVERIFY(!sqliteMapped());
+        // Qt's register of the driver's handle type must not be left pointing into the unloaded driver.
+        QCOMPARE(QMetaType::fromName("sqlite3*").name(), "sqlite3*");
         const std::vector<StoredEvent> events = rig.log.eventsSince({});
         QCOMPARE(events.size(), 2u);
         QCOMPARE(csvHeader() + csvRow(events[0]) + csvRow(events[1]),
