@@ -1,7 +1,8 @@
 // The break history with a year in it: 250,000 events (a working day of 685 every day, in a fresh file),
 // then what the user-interface thread pays for it: the opening at start-up with its pruning; one event's
 // write as the program makes it (the file opened and closed around it), the median and the worst
-// of 200 in a burst, and of 50 after a quiet period each (the driver and SQLite loaded again); the
+// of 200 in a burst, and of 50 after a quiet period each (the module, Qt's driver and SQLite loaded
+// again); the
 // status window opened with its pictures read from the file, worked out and painted (median of 5);
 // whether SQLite is still mapped after the quiet period; and SQLite's plan for the status window's
 // reading and for the pruning, which must use the index.
@@ -138,15 +139,16 @@ int main(int argc, char** argv) {
     FileRegistryStore store(dir.filePath(QStringLiteral("registry.reg")));
     SettingsStore settings(store);
     ManualTimeline quiet; // the benchmark says when the quiet period has passed
-    HistoryLog log(path, settings, clock, quiet, releaseFreedMemory);
+    const QString programFolder = QStringLiteral(TARVO_PROGRAM_DIR); // the history's module
+    HistoryLog log(path, programFolder, settings, clock, quiet, releaseFreedMemory);
     log.record({HistoryKind::Startup, clock.localNow(), {}, 0, {}}); // the file, at its layout
     fill(path, clock.localNow());
 
-    HistoryDatabase database(path);
+    HistoryDatabase database(path, programFolder);
     const auto opening = Steady::now();
     database.open(clock.localNow(), clock.localNow().addDays(-HistoryLog::kKeptDays));
     const double openMs = msSince(opening);
-    database.unloadDriver();
+    database.unloadModule();
     // As the program writes: the file opened, the event appended, the file closed and the memory given
     // back, each time; in a burst, the driver stays loaded, and after a quiet period it is loaded again.
     const auto unload = [&] { quiet.advance(HistoryLog::kQuietMs); };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/HistoryRecorder.h"
+#include "history/HistoryStore.h"
 
 #include <QString>
 
@@ -8,12 +9,6 @@
 #include <functional>
 #include <memory>
 #include <vector>
-
-QT_BEGIN_NAMESPACE
-class QPluginLoader;
-class QSqlDriver;
-class QSqlError;
-QT_END_NAMESPACE
 
 namespace tarvo {
 
@@ -30,23 +25,18 @@ struct StoredEvent {
     QDateTime at() const; // in the offset it happened in
 };
 
-// The break history in an SQLite file, through Qt SQL's SQLite driver: one table of events, indexed by
-// time, in write-ahead logging mode (a write appends to the log and does not wait for the disk; the
-// status window's reading never blocks a write). The file's layout carries a version (SQLite's
-// user_version), and opening brings an older file up to date step by step.
+// The break history's file at `path`, kept by the store module in `programFolder` (HistoryStore.h),
+// which is loaded at the first use and unloaded by unloadModule(), taking Qt SQL, its SQLite driver and
+// SQLite out of memory with it. Here the program's events become the store's rows and back; what the
+// file holds and how it fails is the store's.
 //
-// The user-interface thread writes here, so nothing waits: a file that another process holds locked
-// fails at once ("busy"), and the caller tries again later. A file that is not a database, or that
-// SQLite finds damaged, is set aside under a name with the time stamp and a new one is started: the
-// old one is never deleted. A file of a newer layout is left as it is and not written.
+// Everything the module hands over is copied here before it is kept: a text may lie in the module's own
+// memory, which is gone once it is unloaded.
 class HistoryDatabase {
 public:
-    static constexpr int kSchemaVersion = 2;
+    using Failure = HistoryStore::Failure;
 
-    // Why the last operation failed; Busy and NoSpace may pass, the others stay for the run.
-    enum class Failure { None, Busy, NoSpace, CannotWrite, Newer, NoDriver, Other };
-
-    explicit HistoryDatabase(QString path);
+    HistoryDatabase(QString path, const QString& programFolder);
     ~HistoryDatabase();
     HistoryDatabase(const HistoryDatabase&) = delete;
     HistoryDatabase& operator=(const HistoryDatabase&) = delete;
@@ -55,11 +45,10 @@ public:
     // the events from before `pruneBefore` (none when it is invalid). False when the history cannot be
     // written; failure() and problem() say why. `now` names a damaged file that is set aside.
     bool open(const QDateTime& now, const QDateTime& pruneBefore = {});
-    bool isOpen() const;
+    bool isOpen() const { return store_ && store_->isOpen(); }
     void close();
-    // Closes the file and lets Qt's SQLite driver and SQLite itself go from memory; open() loads them
-    // again.
-    void unloadDriver();
+    // Closes the file and unloads the module; open() loads it again.
+    void unloadModule();
 
     bool append(const HistoryEvent& event);
     bool clear();
@@ -75,18 +64,13 @@ public:
     QString path() const { return path_; }
 
 private:
-    QSqlDriver* createDriver();
-    bool openFile();
-    bool prepare(const QDateTime& now);
-    bool migrate(int from);
-    bool fail(const QSqlError& error);
-    bool failWith(Failure failure, QString problem);
-    bool isDamage(const QSqlError& error) const;
-    bool setDamagedAside(const QDateTime& now);
+    bool load();
+    bool took(bool done);
 
     QString path_;
-    std::unique_ptr<QPluginLoader> driver_;
-    QString connection_;
+    QString moduleFile_;
+    void* module_ = nullptr; // the module's handle while it is loaded
+    std::unique_ptr<HistoryStore> store_;
     Failure failure_ = Failure::None;
     QString problem_;
     QString setAside_;

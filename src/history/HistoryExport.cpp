@@ -56,7 +56,8 @@ QString csvRow(const StoredEvent& e) {
            QLatin1Char('\n');
 }
 
-int runHistoryCommand(const QStringList& arguments, const QString& historyPath, const Clock& clock) {
+int runHistoryCommand(const QStringList& arguments, const QString& historyPath, const QString& programFolder,
+                      const Clock& clock) {
     if (arguments.isEmpty() || arguments.first() != QLatin1String("--csv") || arguments.size() > 2) {
         std::fputs(kUsage, stderr);
         return 2;
@@ -64,7 +65,7 @@ int runHistoryCommand(const QStringList& arguments, const QString& historyPath, 
     if (!QFileInfo::exists(historyPath))
         return fail(QStringLiteral("no history has been recorded yet (%1)").arg(historyPath));
     // The running program may write meanwhile: the export reads the events there were when it began.
-    HistoryDatabase database(historyPath);
+    HistoryDatabase database(historyPath, programFolder);
     if (!database.open(clock.localNow()))
         return fail(QStringLiteral("the history cannot be read: %1").arg(database.problem()));
 

@@ -16,8 +16,9 @@ QString csvHeader();
 QString csvRow(const StoredEvent& event);
 
 // `tarvo history --csv [FILE]`, without a display and beside a running program: the history at
-// `historyPath` to FILE, or to standard output without one. Returns the exit status; says what went
-// wrong on standard error.
-int runHistoryCommand(const QStringList& arguments, const QString& historyPath, const Clock& clock);
+// `historyPath`, read through the module in `programFolder`, to FILE, or to standard output without
+// one. Returns the exit status; says what went wrong on standard error.
+int runHistoryCommand(const QStringList& arguments, const QString& historyPath, const QString& programFolder,
+                      const Clock& clock);
 
 } // namespace tarvo

@@ -10,9 +10,9 @@
 
 namespace tarvo {
 
-HistoryLog::HistoryLog(QString path, SettingsStore& settings, const Clock& clock, TimerFactory& timers,
-                       std::function<void()> afterUse)
-    : database_(std::move(path))
+HistoryLog::HistoryLog(QString path, const QString& programFolder, SettingsStore& settings,
+                       const Clock& clock, TimerFactory& timers, std::function<void()> afterUse)
+    : database_(std::move(path), programFolder)
     , settings_(settings)
     , clock_(clock)
     , afterUse_(std::move(afterUse))
@@ -35,7 +35,7 @@ bool HistoryLog::ready() {
         givenUp_ =
             failure == HistoryDatabase::Failure::Newer || failure == HistoryDatabase::Failure::NoDriver;
         report(database_.problem());
-        done(); // the driver, loaded for nothing, goes too
+        done(); // the module, loaded for nothing, goes too
         return false;
     }
     opened_ = true;
@@ -77,7 +77,7 @@ void HistoryLog::done() {
 
 void HistoryLog::timerTick(Timer&) {
     quiet_->setEnabled(false);
-    database_.unloadDriver();
+    database_.unloadModule();
     afterUse_();
 }
 
@@ -88,7 +88,7 @@ void HistoryLog::setRecording(bool on) {
         waiting_.clear();
         problem_.clear();
         quiet_->setEnabled(false);
-        database_.unloadDriver(); // nothing is kept for a history that is not kept
+        database_.unloadModule(); // nothing is kept for a history that is not kept
     }
 }
 

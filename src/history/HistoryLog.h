@@ -22,9 +22,10 @@ class SettingsStore;
 //
 // The file is open only while an event is written or the pictures read it: between events the program
 // keeps nothing of SQLite's (its caches, the log's shared index), and gives the memory back through
-// `afterUse` (the platform's releaseFreedMemory). Qt's SQLite driver and SQLite itself stay loaded for
-// a few quiet seconds after, so that the events of a burst (a break's end and the next prompt) do not
-// load them once each, and are then unloaded: the idle program does not carry them.
+// `afterUse` (the platform's releaseFreedMemory). The history's module in `programFolder`, and with it
+// Qt SQL, its SQLite driver and SQLite itself, stay loaded for a few quiet seconds after, so that the
+// events of a burst (a break's end and the next prompt) do not load them once each, and are then
+// unloaded: the idle program does not carry them.
 //
 // Nothing here stops the program: when the file cannot be written, the program runs on, says why once
 // on standard error and in the status window (problem()), and tries again at the next event. Events
@@ -33,8 +34,8 @@ class SettingsStore;
 class HistoryLog : public HistoryRecorder, private Timer::Listener {
 public:
     HistoryLog(
-        QString path, SettingsStore& settings, const Clock& clock, TimerFactory& timers,
-        std::function<void()> afterUse = [] {});
+        QString path, const QString& programFolder, SettingsStore& settings, const Clock& clock,
+        TimerFactory& timers, std::function<void()> afterUse = [] {});
     ~HistoryLog();
 
     void record(const HistoryEvent& event) override;
@@ -54,7 +55,7 @@ public:
 
     static constexpr int kKeptDays = 400;
     static constexpr std::size_t kMostWaiting = 1000;
-    static constexpr int kQuietMs = 3000; // after the last use, before the driver is unloaded
+    static constexpr int kQuietMs = 3000; // after the last use, before the module is unloaded
 
 private:
     bool ready();
@@ -69,7 +70,7 @@ private:
     std::unique_ptr<Timer> quiet_;
     bool recording_;
     bool opened_ = false;  // opened once this run (the pruning is done)
-    bool givenUp_ = false; // a file of a newer version, or no driver: no use trying again this run
+    bool givenUp_ = false; // a file of a newer version, or no module or driver: no use trying again this run
     std::deque<HistoryEvent> waiting_;
     QString problem_, notice_;
     QSet<QString> reported_; // said once on standard error each

@@ -92,7 +92,8 @@ int runTarvo(int& argc, char** argv) {
     // The history's export needs neither a display nor the running program's leave.
     if (argc >= 2 && std::strcmp(argv[1], "history") == 0) {
         QCoreApplication app(argc, argv); // Qt SQL loads its driver through the application
-        return runHistoryCommand(QCoreApplication::arguments().mid(2), historyFilePath(), systemClock());
+        return runHistoryCommand(QCoreApplication::arguments().mid(2), historyFilePath(), programFolder(),
+                                 systemClock());
     }
     // The program draws nothing with OpenGL; Qt's GL integration would cost memory for nothing.
     if (qEnvironmentVariableIsEmpty("QT_XCB_GL_INTEGRATION"))

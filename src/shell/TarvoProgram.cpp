@@ -56,8 +56,8 @@ void TarvoProgram::startRunning() {
     exerciseScreens_->attach(engine_->exercise());
     exerciseScreens_->setAfterBreak(shell_.releaseFreedMemory);
     if (!shell_.historyPath.isEmpty()) {
-        history_ = std::make_unique<HistoryLog>(shell_.historyPath, ctx_.settings, ctx_.clock, ctx_.timers,
-                                                shell_.releaseFreedMemory);
+        history_ = std::make_unique<HistoryLog>(shell_.historyPath, ctx_.programFolder, ctx_.settings,
+                                                ctx_.clock, ctx_.timers, shell_.releaseFreedMemory);
         engine_->history().connect(history_.get());
         mainForm_->setStatusPanelMaker(
             [this] { return std::make_unique<HistoryPanel>(*history_, ctx_.clock); });

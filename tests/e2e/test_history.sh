@@ -28,9 +28,9 @@ grep -Eq '^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9:]{8}[+-][0-9]{2}:[0-9]{2},start,,0,$'
 grep -Eq ',micropause,completed,[23],menu$' "$work/history.csv" || fail "no micropause to its end: $(cat "$work/history.csv")"
 grep -Eq ',micropause,ended early,[0-2],menu$' "$work/history.csv" || fail "no micropause ended by Esc: $(cat "$work/history.csv")"
 echo "ok - a micropause and one ended by Esc are in the export while the program runs"
-sqlite_mapped() { grep -q libsqlite3 "/proc/$tarvo/maps"; }
-wait_for 100 eval '! sqlite_mapped' || fail "SQLite is not let go between events: $(grep sqlite "/proc/$tarvo/maps")"
-echo "ok - SQLite is let go once the events are written"
+sql_mapped() { grep -qE 'history-store|libQt6Sql|libqsqlite|libsqlite3' "/proc/$tarvo/maps"; }
+wait_for 100 eval '! sql_mapped' || fail "SQLite is not let go between events: $(grep -iE 'history|sql' "/proc/$tarvo/maps")"
+echo "ok - the history's module, Qt SQL and SQLite are let go once the events are written"
 
 shoot_status() { # <file>
     menu_key s

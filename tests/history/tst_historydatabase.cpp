@@ -61,7 +61,7 @@ bool sqliteMapped() {
 struct Rig : FakeContext {
     QTemporaryDir dir;
     QString path = dir.filePath("tarvo/history.sqlite");
-    HistoryLog log{path, ctx.settings, clock, timeline};
+    HistoryLog log{path, TARVO_PROGRAM_DIR, ctx.settings, clock, timeline};
     int count() { return static_cast<int>(log.eventsSince({}).size()); }
 };
 
@@ -114,7 +114,7 @@ private slots:
                  "2025-10-20T09:00:00+03:00,micropause,completed,15,\n"
                  "2026-11-23T14:30:00+05:30,exercise break,quit,42,\"2 of 6, \"\"Arms\"\"\"\n");
         OtherConnection after(rig.path);
-        QCOMPARE(after.value("PRAGMA user_version").toInt(), HistoryDatabase::kSchemaVersion);
+        QCOMPARE(after.value("PRAGMA user_version").toInt(), kHistorySchemaVersion);
         QCOMPARE(after.value("PRAGMA journal_mode").toString(), "wal");
         QSqlQuery plan(QSqlDatabase::database("other", false));
         QVERIFY(plan.exec("EXPLAIN QUERY PLAN SELECT * FROM events WHERE at >= 0 ORDER BY at") &&

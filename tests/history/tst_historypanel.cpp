@@ -25,7 +25,8 @@ private slots:
     void statusWindowWithHistory() {
         FakeContext f;
         QTemporaryDir dir;
-        HistoryLog log(dir.filePath("history.sqlite"), f.ctx.settings, f.clock, f.timeline);
+        HistoryLog log(dir.filePath("history.sqlite"), TARVO_PROGRAM_DIR, f.ctx.settings, f.clock,
+                       f.timeline);
         const QDate today(2026, 11, 23);
         f.clock.setLocalNow(QDateTime(today, QTime(15, 30)));
         auto add = [&](HistoryKind kind, const QDateTime& at, QLatin1String outcome = {}, int seconds = 0) {
