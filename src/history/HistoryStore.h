@@ -19,7 +19,7 @@ struct StoredRow {
     QString details;
 };
 
-// The history's file, as the module that knows SQLite keeps it (history-store.so in the program
+// The history's file, as the module that knows SQLite keeps it (modules/history-store.so in the program
 // folder). The program loads the module only around its use and unloads it after, with Qt SQL, its
 // SQLite driver and SQLite: so nothing the program keeps may point into the module. The program copies
 // every text it is given here before the module goes, and the module registers no types with Qt.
@@ -46,7 +46,9 @@ public:
 // before it unloads the module.
 using CreateHistoryStore = HistoryStore* (*)(const QString& path);
 inline constexpr char kCreateHistoryStore[] = "tarvo_create_history_store";
-inline constexpr char kHistoryStoreModule[] = "history-store.so";
+// In a folder of its own below the program folder: a library straight in /usr/lib/<package> makes the
+// package's installation run ldconfig, which has nothing to do for it.
+inline constexpr char kHistoryStoreModule[] = "modules/history-store.so";
 // The layout the module writes (SQLite's user_version); a file of a later one is not written.
 inline constexpr int kHistorySchemaVersion = 2;
 
