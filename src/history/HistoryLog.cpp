@@ -113,7 +113,7 @@ void HistoryLog::report(const QString& problem) {
     problem_ = QStringLiteral("History is not recorded: %1.").arg(problem);
     // Once each: a file that stays in use must not fill the terminal with one line per break.
     if (!reported_.contains(problem_)) {
-        reported_.insert(problem_);
+        reported_.append(problem_);
         std::fprintf(stderr, "tarvo: %s\n", qPrintable(problem_));
         std::fflush(stderr);
     }

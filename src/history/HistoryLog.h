@@ -4,8 +4,8 @@
 #include "engine/HistoryRecorder.h"
 #include "history/HistoryDatabase.h"
 
-#include <QSet>
 #include <QString>
+#include <QStringList>
 
 #include <deque>
 #include <functional>
@@ -73,7 +73,7 @@ private:
     bool givenUp_ = false; // a file of a newer version, or no module or driver: no use trying again this run
     std::deque<HistoryEvent> waiting_;
     QString problem_, notice_;
-    QSet<QString> reported_; // said once on standard error each
+    QStringList reported_; // said once on standard error each; a few at most, no hash table needed
 };
 
 } // namespace tarvo
