@@ -36,12 +36,15 @@ set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 #    playbin and the converters in -base); Qt Multimedia's GStreamer back end crashes without any;
 #  - the decoders of the classic Windows codecs in users' own clips (libav), welcome but not needed;
 #  - libcanberra's sound server back end and the sound theme with the "bell" of the warning beeps;
-#    without them sounds may not reach the sound server, and the beep is the program's own WAV tone.
+#    without them sounds may not reach the sound server, and the beep is the program's own WAV tone;
+#  - Qt SQL's SQLite driver, a plugin that the break history loads (without it the program runs and
+#    says that the history is not recorded).
 # The Qt plugins it loads (the xcb platform, the JPEG reader of the media) come with libqt6gui6, which
 # the binaries link, and the video back end with libqt6multimedia6: Debian's qt6-qpa-plugins holds only
 # platforms it does not use, and the icon is drawn at build time, so no SVG plugin is needed.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "libcanberra0, gstreamer1.0-plugins-base, gstreamer1.0-plugins-good")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS
+    "libcanberra0, gstreamer1.0-plugins-base, gstreamer1.0-plugins-good, libqt6sql6-sqlite")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "gstreamer1.0-libav, libcanberra-pulse, sound-theme-freedesktop")
 
 

@@ -23,6 +23,7 @@ packages=(
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good # its GStreamer back end: playback, AVI demuxer, Motion JPEG decoder
     gstreamer1.0-libav                          # users' own clips in older codecs (Cinepak, Microsoft Video 1, Indeo...)
     gstreamer1.0-tools                          # gst-launch, with which the end-to-end tests take their screenshots
+    libqt6sql6-sqlite                           # Qt SQL's SQLite driver: the break history's database
     fonts-dejavu-core                           # the exercise media's title lettering
     clang libclang-rt-14-dev                    # fuzzing (scripts/fuzz.sh): clang and its libFuzzer and sanitizer runtimes
     faketime libfaketime                        # bench/soak_day.sh: a day of schedule on a clock 60 times faster

@@ -7,14 +7,25 @@ namespace tarvo {
 BreakEngine::BreakEngine(AppContext& ctx, MainView& view, ExerciseView& exerciseView, Warnings& warnings)
     : tMinutes_(ctx.timers.createTimer(*this))
     , tSeconds_(ctx.timers.createTimer(*this))
-    , micropause_(ctx.record, ctx.schedule, *tSeconds_, warnings, view, ctx.clock)
+    , history_(ctx.clock)
+    , micropause_(ctx.record, ctx.schedule, *tSeconds_, warnings, view, ctx.clock, history_)
     , presence_(ctx.record, ctx.schedule, ctx.clock, ctx.presence, ctx.timers, scheduler_, micropause_,
-                warnings, view, exerciseView)
+                warnings, view, exerciseView, history_)
     , scheduler_(ctx.record, ctx.schedule, ctx.clock, ctx.monitor, *tMinutes_, *tSeconds_, micropause_,
-                 exercise_, warnings, view, exerciseView, presence_)
-    , exercise_(ctx, *tMinutes_, *tSeconds_, scheduler_, exerciseView, view, warnings) {}
+                 exercise_, warnings, view, exerciseView, presence_, history_)
+    , exercise_(ctx, *tMinutes_, *tSeconds_, scheduler_, exerciseView, view, warnings, history_) {}
 
 BreakEngine::~BreakEngine() = default;
+
+void BreakEngine::programStarts() {
+    history_.record(HistoryKind::Startup, history_.now().local, {}, 0);
+}
+
+void BreakEngine::programEnds() {
+    scheduler_.closeNaturalPause();
+    presence_.programEnds();
+    history_.record(HistoryKind::Shutdown, history_.now().local, {}, 0);
+}
 
 void BreakEngine::timerTick(Timer& timer) {
     if (&timer == tMinutes_.get())

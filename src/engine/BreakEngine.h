@@ -2,6 +2,7 @@
 
 #include "core/Timer.h"
 #include "engine/ExerciseSequencer.h"
+#include "engine/HistoryTap.h"
 #include "engine/MicropauseBreak.h"
 #include "engine/PresenceHold.h"
 #include "engine/Scheduler.h"
@@ -35,11 +36,19 @@ public:
     Timer& tMinutes() { return *tMinutes_; }
     Timer& tSeconds() { return *tSeconds_; }
 
+    // Where the engine's events go; start-up connects the recorder, and tells the start and the end of
+    // the program through it too (programEnds first closes a natural pause, a lock or a hold that is still
+    // going on).
+    HistoryTap& history() { return history_; }
+    void programStarts();
+    void programEnds();
+
 private:
     void timerTick(Timer& timer) override;
 
     std::unique_ptr<Timer> tMinutes_;
     std::unique_ptr<Timer> tSeconds_;
+    HistoryTap history_;
     MicropauseBreak micropause_;
     PresenceHold presence_; // holds breaks for scheduler_, built just after it
     Scheduler scheduler_;   // hands the exercise break's seconds to exercise_, built just after it

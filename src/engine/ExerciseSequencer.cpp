@@ -19,14 +19,15 @@ namespace tarvo {
 
 ExerciseSequencer::ExerciseSequencer(AppContext& context, Timer& tMinutes, Timer& tSeconds,
                                      Scheduler& scheduler, ExerciseView& view, MainView& mainView,
-                                     Warnings& warnings)
+                                     Warnings& warnings, HistoryTap& history)
     : ctx_(context)
     , tMinutes_(tMinutes)
     , tSeconds_(tSeconds)
     , scheduler_(scheduler)
     , view_(view)
     , mainView_(mainView)
-    , warnings_(warnings) {}
+    , warnings_(warnings)
+    , history_(history) {}
 
 void ExerciseSequencer::ExerciseBreak() {
     const ExerciseTable& table = ctx_.exercises;
@@ -39,6 +40,10 @@ void ExerciseSequencer::ExerciseBreak() {
         return;
     }
     ExercisesPlayed = 0;
+    breakStarted_ = history_.now();
+    exercisesShown_ = 0;
+    exercisesPlanned_ = ExercisesPerBreak;
+    quit_ = false;
     tSeconds_.setEnabled(false);
     tMinutes_.setEnabled(false);
     tSeconds_.setInterval(1000);
@@ -139,6 +144,7 @@ bool ExerciseSequencer::moveToIncluded(int step) {
 }
 
 void ExerciseSequencer::show(bool topmost) {
+    ++exercisesShown_;
     view_.showExercise(exerciseOnScreen().File, topmost);
 }
 
@@ -149,6 +155,11 @@ void ExerciseSequencer::endBreak() {
     view_.CloseVideo();
     ExercisesPerBreak = ctx_.settings.readNumber(option("NumAtaTime"));
     ctx_.schedule.InExerciseBreak = false;
+    history_.record(HistoryKind::ExerciseBreak, breakStarted_, quit_ ? outcome::Quit : outcome::Completed,
+                    QStringLiteral("%1 of %2 exercises, from the %3")
+                        .arg(exercisesShown_)
+                        .arg(exercisesPlanned_)
+                        .arg(breakOrigin_));
     view_.dismissPlayer();
     scheduler_.SetTimers();
 }
@@ -157,15 +168,17 @@ void ExerciseSequencer::exerciseNowFromTray() {
     ctx_.schedule.MinutesToExercise = 0;
     if (ctx_.record.AudibleX)
         warnings_.AudibleWarningX();
-    startNow();
+    startNow(origin::Menu);
 }
 
 void ExerciseSequencer::exerciseNowFromPrompt() {
     ctx_.schedule.MinutesToExercise = 0;
-    startNow();
+    promptAnswer_ = outcome::ExerciseNow;
+    startNow(origin::Prompt);
 }
 
-void ExerciseSequencer::startNow() {
+void ExerciseSequencer::startNow(QLatin1String origin) {
+    breakOrigin_ = origin;
     mainView_.showExerciseStatus(QStringLiteral("Next Exercise Break: In Progress"));
     ExercisesPerBreak = ctx_.settings.readNumber(option("NumAtaTime"));
     ExerciseBreak();
@@ -174,6 +187,8 @@ void ExerciseSequencer::startNow() {
 QString ExerciseSequencer::promptLoaded() {
     const QString minutes = ctx_.settings.readText(option("ProcrastinateM"));
     ctx_.schedule.MinutesToExercise = vb::toLong(minutes);
+    promptShown_ = history_.now();
+    promptAnswer_ = outcome::Closed;
     return minutes;
 }
 
@@ -187,10 +202,19 @@ void ExerciseSequencer::later(const QString& typedMinutes) {
     minutes = std::min(minutes, postponement.clamp->max);
     ctx_.settings.writeNumber(postponement, minutes);
     ctx_.schedule.MinutesToExercise = minutes;
+    promptAnswer_ = outcome::Later;
+    postponedSeconds_ = std::int64_t{minutes} * 60;
+    postponement_ = QStringLiteral("%1 minutes").arg(minutes);
 }
 
 void ExerciseSequencer::promptUnloaded() {
     ctx_.schedule.ExercisePromptPending = false;
+    if (!promptShown_.isSet())
+        return;
+    const bool later = promptAnswer_ == outcome::Later;
+    history_.record(HistoryKind::ExercisePrompt, promptShown_.local, promptAnswer_,
+                    later ? postponedSeconds_ : 0, later ? postponement_ : QString());
+    promptShown_ = {};
 }
 
 void ExerciseSequencer::amx_Click() {
@@ -198,6 +222,7 @@ void ExerciseSequencer::amx_Click() {
 }
 
 void ExerciseSequencer::amx_DblClick() {
+    quit_ = true;
     ExercisesPlayed = ExercisesPerBreak;
     view_.CloseVideo();
     amx_Click();

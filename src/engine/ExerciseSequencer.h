@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/HistoryTap.h"
+
 #include <QString>
 
 #include <cstdint>
@@ -27,7 +29,7 @@ struct AppContext;
 class ExerciseSequencer {
 public:
     ExerciseSequencer(AppContext& context, Timer& tMinutes, Timer& tSeconds, Scheduler& scheduler,
-                      ExerciseView& view, MainView& mainView, Warnings& warnings);
+                      ExerciseView& view, MainView& mainView, Warnings& warnings, HistoryTap& history);
     ExerciseSequencer(const ExerciseSequencer&) = delete;
     ExerciseSequencer& operator=(const ExerciseSequencer&) = delete;
 
@@ -70,7 +72,7 @@ public:
     std::int32_t SecondsLeft = 0;
 
 private:
-    void startNow();
+    void startNow(QLatin1String origin);
     void show(bool topmost);
     // Moves ExerciseIndex by `step` (wrapping within 1 … ExerciseCount) until it stands on an included
     // exercise; false when the scheme has none.
@@ -88,6 +90,15 @@ private:
     ExerciseView& view_;
     MainView& mainView_;
     Warnings& warnings_;
+    HistoryTap& history_;
+    // The prompt and the break as the history will tell them once they are over.
+    HistoryTap::Moment promptShown_;
+    QString promptAnswer_, postponement_;
+    std::int64_t postponedSeconds_ = 0;
+    HistoryTap::Moment breakStarted_;
+    QLatin1String breakOrigin_ = origin::Menu;
+    std::int32_t exercisesShown_ = 0, exercisesPlanned_ = 0;
+    bool quit_ = false;
 };
 
 } // namespace tarvo

@@ -19,20 +19,27 @@ constexpr std::int32_t kStepsPerSecond = 10;
 } // namespace
 
 MicropauseBreak::MicropauseBreak(const SettingsRecord& settings, SchedulerState& state, Timer& tSeconds,
-                                 Warnings& warnings, MainView& view, const Clock& clock)
+                                 Warnings& warnings, MainView& view, const Clock& clock, HistoryTap& history)
     : settings_(settings)
     , state_(state)
     , tSeconds_(tSeconds)
     , warnings_(warnings)
     , view_(view)
-    , clock_(clock) {}
+    , clock_(clock)
+    , history_(history) {}
 
-void MicropauseBreak::TarvoMicropause() {
+void MicropauseBreak::TarvoMicropause(QLatin1String origin) {
     CountdownBar& bar = view_.countdownBar();
     state_.MinutesToMicropause = state_.MicropauseReload;
     tSeconds_.setEnabled(false);
     // An InterruptFor of 0 asks the bar for a maximum of 0, which it refuses with its own error.
     bar.setMax(checked::mul(settings_.InterruptFor, kStepsPerSecond));
+    // A break started again from 1 is still the one break that began first.
+    const bool fresh = !state_.InMicropause;
+    if (fresh) {
+        origin_ = origin;
+        endedEarly_ = false;
+    }
     state_.InMicropause = true;
     bar.setValue(1);
     view_.prepareBreak(settings_.DisableEsc == 0);
@@ -40,6 +47,8 @@ void MicropauseBreak::TarvoMicropause() {
         warnings_.AudibleWarning();
     tSeconds_.setInterval(vb::toLong(1000.0 / kStepsPerSecond));
     tSeconds_.setEnabled(true);
+    if (fresh) // from when it is on the screen, after the warning
+        started_ = history_.now();
     view_.presentBreak(settings_.Blank != 0);
 }
 
@@ -71,6 +80,8 @@ void MicropauseBreak::finish(bool withSound) {
     tSeconds_.setInterval(Scheduler::naturalPauseInterval(settings_));
     tSeconds_.setEnabled(true);
     view_.showLastMicropause(QStringLiteral("Last tarvo micropause: ") + formatHhNn(clock_.localNow()));
+    history_.record(HistoryKind::Micropause, started_, endedEarly_ ? outcome::EndedEarly : outcome::Completed,
+                    origin_);
     if (withSound && settings_.Audible)
         warnings_.AudibleNotification();
 }
@@ -78,6 +89,7 @@ void MicropauseBreak::finish(bool withSound) {
 void MicropauseBreak::cmdCancel_Click() {
     if (settings_.DisableEsc != 0)
         return;
+    endedEarly_ = state_.InMicropause;
     CountdownBar& bar = view_.countdownBar();
     bar.setValue(checked::sub(bar.Max(), std::int32_t{1}));
 }

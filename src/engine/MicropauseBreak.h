@@ -1,5 +1,9 @@
 #pragma once
 
+#include "engine/HistoryTap.h"
+
+#include <QLatin1String>
+
 namespace tarvo {
 
 class Clock;
@@ -16,13 +20,13 @@ struct SettingsRecord;
 class MicropauseBreak {
 public:
     MicropauseBreak(const SettingsRecord& settings, SchedulerState& state, Timer& tSeconds,
-                    Warnings& warnings, MainView& view, const Clock& clock);
+                    Warnings& warnings, MainView& view, const Clock& clock, HistoryTap& history);
     MicropauseBreak(const MicropauseBreak&) = delete;
     MicropauseBreak& operator=(const MicropauseBreak&) = delete;
 
     // Starts a break (and restarts the countdown to the next one). A second call during a break
-    // starts the bar again from 1.
-    void TarvoMicropause();
+    // starts the bar again from 1. `origin` (origin::Scheduled or origin::Menu) goes to the history.
+    void TarvoMicropause(QLatin1String origin = origin::Scheduled);
     // One tSeconds tick of a running break.
     void breakTick();
     // Esc, or a double click on the hint: unless Esc is disabled, the next tick ends the break the
@@ -43,6 +47,11 @@ private:
     Warnings& warnings_;
     MainView& view_;
     const Clock& clock_;
+    HistoryTap& history_;
+    // The running break as the history will tell it, once it is over.
+    HistoryTap::Moment started_;
+    QLatin1String origin_ = origin::Scheduled;
+    bool endedEarly_ = false;
 };
 
 } // namespace tarvo

@@ -16,7 +16,7 @@ namespace tarvo {
 PresenceHold::PresenceHold(const SettingsRecord& settings, SchedulerState& state, const Clock& clock,
                            PresenceMonitor& monitor, TimerFactory& timers, Scheduler& scheduler,
                            MicropauseBreak& micropause, Warnings& warnings, MainView& view,
-                           ExerciseView& exerciseView)
+                           ExerciseView& exerciseView, HistoryTap& history)
     : settings_(settings)
     , state_(state)
     , clock_(clock)
@@ -26,6 +26,7 @@ PresenceHold::PresenceHold(const SettingsRecord& settings, SchedulerState& state
     , warnings_(warnings)
     , view_(view)
     , exerciseView_(exerciseView)
+    , history_(history)
     , settle_(timers.createTimer(*this)) {
     settle_->setInterval(kSettleMs);
     monitor_.setListener(this);
@@ -35,41 +36,54 @@ PresenceHold::~PresenceHold() {
     monitor_.setListener(nullptr);
 }
 
-bool PresenceHold::busy() const {
-    return (settings_.HoldFullScreen != 0 && monitor_.holds(PresenceCondition::FullScreen)) ||
-           (settings_.HoldDoNotDisturb != 0 && monitor_.holds(PresenceCondition::DoNotDisturb)) ||
-           (settings_.HoldInhibited != 0 && monitor_.holds(PresenceCondition::IdleInhibited));
+QLatin1String PresenceHold::busyWith() const {
+    if (settings_.HoldFullScreen != 0 && monitor_.holds(PresenceCondition::FullScreen))
+        return QLatin1String("full-screen window");
+    if (settings_.HoldDoNotDisturb != 0 && monitor_.holds(PresenceCondition::DoNotDisturb))
+        return QLatin1String("do not disturb");
+    if (settings_.HoldInhibited != 0 && monitor_.holds(PresenceCondition::IdleInhibited))
+        return QLatin1String("idle inhibitor");
+    return {};
 }
 
-namespace {
-
-// Notes a break as held, unless nothing holds it. The limit counts from the first held break.
-bool hold(bool blocked, bool anyHeld, bool& flag, std::int32_t& heldMinutes) {
-    if (!blocked)
+// Notes a break as held, unless nothing holds it. The limit, and the hold the history tells, count
+// from the first held break.
+bool PresenceHold::hold(bool& flag) {
+    if (!locked_ && !busy())
         return false;
-    if (!anyHeld)
-        heldMinutes = 0;
+    if (!anyHeld()) {
+        heldMinutes_ = 0;
+        if (!locked_) {
+            heldSince_ = history_.now();
+            heldBy_ = busyWith();
+        }
+    }
     flag = true;
     return true;
 }
 
-} // namespace
+void PresenceHold::endHold(QLatin1String outcome) {
+    if (heldSince_.isSet())
+        history_.record(HistoryKind::Hold, std::exchange(heldSince_, {}), outcome, heldBy_);
+}
 
 bool PresenceHold::holdsPreWarning() {
-    return hold(locked_ || busy(), anyHeld(), heldPre_, heldMinutes_);
+    return hold(heldPre_);
 }
 
 bool PresenceHold::holdsMicropause() {
-    return hold(locked_ || busy(), anyHeld(), heldMicropause_, heldMinutes_);
+    return hold(heldMicropause_);
 }
 
 bool PresenceHold::holdsPrompt() {
-    return hold(locked_ || busy(), anyHeld(), heldPrompt_, heldMinutes_);
+    return hold(heldPrompt_);
 }
 
 void PresenceHold::naturalPause() {
     heldMicropause_ = false;
     heldPre_ = false;
+    if (!anyHeld())
+        endHold(outcome::Covered);
 }
 
 void PresenceHold::minuteTick() {
@@ -77,7 +91,7 @@ void PresenceHold::minuteTick() {
     if (!anyHeld() || locked_ || settings_.HoldLimit <= 0)
         return;
     if (++heldMinutes_ >= settings_.HoldLimit)
-        deliver();
+        deliver(outcome::CameAtLimit);
 }
 
 void PresenceHold::reset() {
@@ -86,6 +100,7 @@ void PresenceHold::reset() {
         state_.ExercisePromptPending = false;
     heldPre_ = false;
     heldMicropause_ = false;
+    endHold(outcome::Covered); // by the exercise break that restarts the schedule
     settle_->setEnabled(false);
     presenceChanged();
 }
@@ -94,11 +109,16 @@ void PresenceHold::presenceChanged() {
     const bool lockedNow = settings_.LockPause != 0 && monitor_.holds(PresenceCondition::Locked);
     if (lockedNow && !locked_) {
         locked_ = true;
-        lockedAt_ = clock_.tickCount();
+        lockedAt_ = history_.now();
         micropause_.endAsTaken(); // an exercise break, on the other hand, runs its course
     } else if (!lockedNow && locked_) {
         locked_ = false;
         lockEnded();
+    }
+    if (anyHeld() && !locked_ && !heldSince_.isSet() && busy()) {
+        // Breaks the lock held wait on for a busy person: from now on, that is a hold of its own.
+        heldSince_ = history_.now();
+        heldBy_ = busyWith();
     }
     showStatus();
     // Every change starts the settle time afresh.
@@ -110,24 +130,39 @@ void PresenceHold::presenceChanged() {
 void PresenceHold::lockEnded() {
     // The tick count wraps after 24.8 days; the difference of its unsigned readings does not mind.
     const std::int64_t away =
-        static_cast<std::uint32_t>(clock_.tickCount()) - static_cast<std::uint32_t>(lockedAt_);
-    if (away >= Scheduler::naturalPauseInterval(settings_))
+        static_cast<std::uint32_t>(clock_.tickCount()) - static_cast<std::uint32_t>(lockedAt_.tick);
+    const bool natural = away >= Scheduler::naturalPauseInterval(settings_);
+    if (natural)
         naturalPause(); // whatever the IntelliReset option: the person was away, not just still
     if (heldPrompt_ && settings_.EveryM > 0 && away >= std::int64_t{settings_.EveryM} * 60000) {
         heldPrompt_ = false; // the exercise countdown starts afresh instead
         state_.ExercisePromptPending = false;
     }
-    scheduler_.awayFor(away);
+    const bool restarted = scheduler_.awayFor(away);
+    QString details;
+    if (natural)
+        details = restarted ? QStringLiteral("natural micropause, exercise countdown restarted")
+                            : QStringLiteral("natural micropause");
+    history_.record(HistoryKind::Lock, lockedAt_, outcome::Away, details);
+    if (!anyHeld())
+        endHold(outcome::Covered);
+}
+
+void PresenceHold::programEnds() {
+    if (locked_)
+        history_.record(HistoryKind::Lock, lockedAt_, outcome::Away);
+    endHold(outcome::StillHeld);
 }
 
 void PresenceHold::timerTick(Timer&) {
     settle_->setEnabled(false);
     // An exercise break started meanwhile (from the tray) restarts the schedule when it ends.
     if (!locked_ && !busy() && !state_.InExerciseBreak)
-        deliver();
+        deliver(outcome::CameAfter);
 }
 
-void PresenceHold::deliver() {
+void PresenceHold::deliver(QLatin1String outcome) {
+    endHold(outcome);
     settle_->setEnabled(false);
     heldMinutes_ = 0;
     const bool pre = std::exchange(heldPre_, false);
@@ -152,12 +187,8 @@ void PresenceHold::showStatus() {
     QString text;
     if (locked_)
         text = QStringLiteral("Screen locked");
-    else if (settings_.HoldFullScreen != 0 && monitor_.holds(PresenceCondition::FullScreen))
-        text = QStringLiteral("Held: full-screen window");
-    else if (settings_.HoldDoNotDisturb != 0 && monitor_.holds(PresenceCondition::DoNotDisturb))
-        text = QStringLiteral("Held: do not disturb");
-    else if (settings_.HoldInhibited != 0 && monitor_.holds(PresenceCondition::IdleInhibited))
-        text = QStringLiteral("Held: idle inhibitor");
+    else if (const QLatin1String condition = busyWith(); !condition.isEmpty())
+        text = QStringLiteral("Held: ") + condition;
     if (text != shown_) {
         view_.showPresenceStatus(text);
         shown_ = text;

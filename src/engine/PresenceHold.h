@@ -2,6 +2,7 @@
 
 #include "core/PresenceMonitor.h"
 #include "core/Timer.h"
+#include "engine/HistoryTap.h"
 
 #include <QString>
 
@@ -36,7 +37,10 @@ struct SettingsRecord;
 // micropause, which then does not come at all. With HoldLimit N > 0 a busy hold keeps a break back
 // for at most N minute ticks; a locked screen keeps it back for as long as it lasts.
 //
-// The status window shows what holds a break now ("Screen locked", "Held: ...", or nothing).
+// The status window shows what holds a break now ("Screen locked", "Held: ...", or nothing). The
+// history hears of each lock when it ends (how long, and whether it was a natural micropause or
+// restarted the exercise countdown), and of each time a busy condition kept breaks back: from the
+// first break held to what became of them. Breaks held by the lock alone are the lock's story.
 class PresenceHold : private PresenceMonitor::Listener, private Timer::Listener {
 public:
     // Held breaks come this long after the last condition that held them ended.
@@ -44,7 +48,8 @@ public:
 
     PresenceHold(const SettingsRecord& settings, SchedulerState& state, const Clock& clock,
                  PresenceMonitor& monitor, TimerFactory& timers, Scheduler& scheduler,
-                 MicropauseBreak& micropause, Warnings& warnings, MainView& view, ExerciseView& exerciseView);
+                 MicropauseBreak& micropause, Warnings& warnings, MainView& view, ExerciseView& exerciseView,
+                 HistoryTap& history);
     ~PresenceHold();
     PresenceHold(const PresenceHold&) = delete;
     PresenceHold& operator=(const PresenceHold&) = delete;
@@ -63,14 +68,20 @@ public:
     void optionsChanged() { presenceChanged(); }
 
     bool locked() const { return locked_; }
+    // The program ends: a lock or a hold still going on goes to the history as it stands.
+    void programEnds();
 
 private:
     void presenceChanged() override;
     void timerTick(Timer& timer) override;
-    bool busy() const;
+    // What makes the person busy ("full-screen window", ...), empty when nothing does.
+    QLatin1String busyWith() const;
+    bool busy() const { return !busyWith().isEmpty(); }
     bool anyHeld() const { return heldPre_ || heldMicropause_ || heldPrompt_; }
+    bool hold(bool& flag);
+    void endHold(QLatin1String outcome);
     void lockEnded();
-    void deliver();
+    void deliver(QLatin1String outcome);
     void showStatus();
 
     const SettingsRecord& settings_;
@@ -82,10 +93,13 @@ private:
     Warnings& warnings_;
     MainView& view_;
     ExerciseView& exerciseView_;
+    HistoryTap& history_;
     std::unique_ptr<Timer> settle_;
 
     bool locked_ = false;
-    std::int32_t lockedAt_ = 0; // tick count
+    HistoryTap::Moment lockedAt_;
+    HistoryTap::Moment heldSince_; // unset while no busy condition holds a break back
+    QLatin1String heldBy_;
     bool heldPre_ = false;
     bool heldMicropause_ = false;
     bool heldPrompt_ = false;

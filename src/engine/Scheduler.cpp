@@ -26,7 +26,7 @@ constexpr std::int32_t kMinMinutesAfterApply = 2;
 Scheduler::Scheduler(const SettingsRecord& settings, SchedulerState& state, const Clock& clock,
                      ActivityMonitor& monitor, Timer& tMinutes, Timer& tSeconds, MicropauseBreak& micropause,
                      ExerciseSequencer& exercise, Warnings& warnings, MainView& view,
-                     ExerciseView& exerciseView, PresenceHold& hold)
+                     ExerciseView& exerciseView, PresenceHold& hold, HistoryTap& history)
     : settings_(settings)
     , state_(state)
     , clock_(clock)
@@ -39,7 +39,8 @@ Scheduler::Scheduler(const SettingsRecord& settings, SchedulerState& state, cons
     , view_(view)
     , exerciseView_(exerciseView)
     , hold_(hold)
-    , suspendedSeen_(clock.suspendedMs()) {}
+    , suspendedSeen_(clock.suspendedMs())
+    , history_(history) {}
 
 int Scheduler::naturalPauseInterval(const SettingsRecord& settings) {
     return checked::mul(settings.InterruptFor, std::int32_t{1000});
@@ -125,14 +126,35 @@ void Scheduler::checkNaturalPause() {
     showActivitySource(); // after the reads, which may have put a new source in place of a lost one
     // No input for a whole check interval, which is one micropause length: the user has taken a
     // micropause of their own.
-    if (!activitySeen)
+    if (!activitySeen) {
         countNaturalPause();
+        extendNaturalPause();
+    } else {
+        closeNaturalPause();
+    }
+}
+
+void Scheduler::extendNaturalPause() {
+    naturalUntil_ = clock_.localNow();
+    if (!naturalFrom_.isValid())
+        naturalFrom_ = naturalUntil_.addMSecs(-naturalPauseInterval(settings_));
+}
+
+void Scheduler::closeNaturalPause() {
+    if (!naturalFrom_.isValid())
+        return;
+    history_.record(HistoryKind::Micropause, naturalFrom_, outcome::Credited,
+                    naturalFrom_.secsTo(naturalUntil_), origin::Natural);
+    naturalFrom_ = naturalUntil_ = QDateTime();
 }
 
 bool Scheduler::noticeSleep() {
     const std::int64_t total = clock_.suspendedMs();
     const std::int64_t slept = total - suspendedSeen_;
     suspendedSeen_ = total;
+    // Anything shorter than a second is no sleep a user would recognise.
+    if (slept >= 1000)
+        history_.record(HistoryKind::Sleep, clock_.localNow().addMSecs(-slept), outcome::Away, slept / 1000);
     // A break on screen ends by its own count and restarts the schedule itself; a pending exercise
     // prompt stays for the user to answer, with its micropause countdown.
     if (slept <= 0 || state_.InMicropause || state_.InExerciseBreak)

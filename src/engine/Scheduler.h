@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/HistoryTap.h"
+
 #include <QString>
 
 #include <cstdint>
@@ -31,7 +33,8 @@ struct SettingsRecord;
 //
 // A suspended machine is a pause too, though no timer ticks through it: the first tick after resume
 // learns from the clock how long the machine slept. At least one micropause length counts as a natural
-// micropause; at least EveryM minutes starts the exercise countdown afresh.
+// micropause; at least EveryM minutes starts the exercise countdown afresh. The sleep goes to the
+// history as what it was, not as a natural pause.
 //
 // A locked screen and a busy person (PresenceHold) hold the micropause, its pre-warning and the exercise
 // prompt as they fall due; the countdowns run on regardless.
@@ -43,7 +46,7 @@ public:
     Scheduler(const SettingsRecord& settings, SchedulerState& state, const Clock& clock,
               ActivityMonitor& monitor, Timer& tMinutes, Timer& tSeconds, MicropauseBreak& micropause,
               ExerciseSequencer& exercise, Warnings& warnings, MainView& view, ExerciseView& exerciseView,
-              PresenceHold& hold);
+              PresenceHold& hold, HistoryTap& history);
     Scheduler(const Scheduler&) = delete;
     Scheduler& operator=(const Scheduler&) = delete;
 
@@ -65,6 +68,9 @@ public:
     // the new interval, never raised.
     void ApplyExerciseOptions();
 
+    // A natural pause that is still going on goes to the history as it stands (the program is ending).
+    void closeNaturalPause();
+
     // The user was away this long (a suspended machine, a locked screen): one micropause length or more
     // is a natural micropause, EveryM minutes or more (with no prompt pending) restarts the exercise
     // countdown. True when it restarted the exercise countdown.
@@ -77,6 +83,7 @@ private:
     void checkNaturalPause();
     bool noticeSleep(); // true when it restarted the exercise countdown
     void countNaturalPause();
+    void extendNaturalPause();
     void showMinutesToExercise();
     void showActivitySource();
 
@@ -94,6 +101,10 @@ private:
     PresenceHold& hold_;
     QString shownSource_;
     std::int64_t suspendedSeen_; // the clock's suspended total at the last tick
+    HistoryTap& history_;
+    // A natural pause goes to the history once, when the user is back: from the last input before
+    // the first check that found none, to the last check that found none.
+    QDateTime naturalFrom_, naturalUntil_;
 };
 
 } // namespace tarvo

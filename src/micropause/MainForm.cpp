@@ -11,6 +11,14 @@ namespace tarvo {
 
 namespace {
 
+void centreOnPrimaryScreen(QWidget& form) {
+    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+        const QRect area = screen->geometry();
+        form.move(area.x() + (area.width() - form.width()) / 2,
+                  area.y() + (area.height() - form.height()) / 2);
+    }
+}
+
 void showIfWritten(const QString& text, frmTarvo* form, void (frmTarvo::*show)(const QString&)) {
     if (form && !text.isNull())
         (form->*show)(text);
@@ -36,6 +44,10 @@ void MainForm::setWarning(const QString& text) {
 
 void MainForm::showStatus() {
     frmTarvo& form = loaded();
+    if (makeStatusPanel_ && !form.statusPanel() && !form.isVisible()) {
+        form.addStatusPanel(makeStatusPanel_());
+        centreOnPrimaryScreen(form); // at its new size
+    }
     form.setWindowState(Qt::WindowNoState);
     form.show();
 }
@@ -53,11 +65,7 @@ frmTarvo& MainForm::loaded() {
     showIfWritten(voluntaryStatus_, form, &frmTarvo::showVoluntaryStatus);
     showIfWritten(activitySource_, form, &frmTarvo::showActivitySource);
     showIfWritten(presenceStatus_, form, &frmTarvo::showPresenceStatus);
-    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
-        const QRect area = screen->geometry();
-        form->move(area.x() + (area.width() - form->width()) / 2,
-                   area.y() + (area.height() - form->height()) / 2);
-    }
+    centreOnPrimaryScreen(*form);
     form->installEventFilter(this);
     // A form loaded for a break that could not start (its bar refused the length) goes again.
     unloadWhenHidden();

@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QWidget>
 
 #include <functional>
 #include <memory>
@@ -30,8 +31,12 @@ public:
 
     // The micropause message, as stored (a doubled "&&" shows as one "&").
     void setWarning(const QString& text);
-    // "Status...": the form as a plain window with the status texts.
+    // "Status...": the form as a plain window with the status texts, and below them the panel that
+    // `makeStatusPanel` makes each time the status window opens (the break history).
     void showStatus();
+    void setStatusPanelMaker(std::function<std::unique_ptr<QWidget>()> make) {
+        makeStatusPanel_ = std::move(make);
+    }
 
     // The form while it is loaded (for tests), null otherwise.
     frmTarvo* form() const { return form_.get(); }
@@ -63,6 +68,7 @@ private:
     // Null until the engine first writes them: the form keeps its designed captions until then.
     QString lastMicropause_, exerciseStatus_, voluntaryStatus_, activitySource_, presenceStatus_;
     std::function<void()> afterUnload_;
+    std::function<std::unique_ptr<QWidget>()> makeStatusPanel_;
 };
 
 } // namespace tarvo

@@ -75,6 +75,12 @@ void frmTarvo::setWarning(const QString& text) {
     ui->lblWarning->setText(captionText(text));
 }
 
+void frmTarvo::addStatusPanel(std::unique_ptr<QWidget> panel) {
+    statusPanel_ = panel.release();
+    ui->layStatus->insertWidget(ui->layStatus->indexOf(ui->lblActivity) + 1, statusPanel_);
+    adjustSize();
+}
+
 void frmTarvo::showExerciseStatus(const QString& text) {
     ui->lblExercise->setText(text);
 }

@@ -39,6 +39,9 @@ public:
 
     // The micropause message, as stored: a doubled "&&" shows as one "&".
     void setWarning(const QString& text);
+    // A panel of more to look at, below the status texts (the form takes it); null until one is given.
+    void addStatusPanel(std::unique_ptr<QWidget> panel);
+    QWidget* statusPanel() const { return statusPanel_; }
 
     // MainView
     CountdownBar& countdownBar() override { return bar_; }
@@ -73,6 +76,7 @@ private:
     BreakEngine* engine_ = nullptr;
     ScreenCovers covers_;
     int panelRadius_ = 0; // the corners of picBlack
+    QWidget* statusPanel_ = nullptr;
 };
 
 } // namespace tarvo

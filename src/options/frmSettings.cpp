@@ -91,6 +91,7 @@ frmSettings::frmSettings(AppContext& ctx, BreakEngine& engine, Neighbours& neigh
 
     connect(ui->ts, &QTabBar::currentChanged, this, &frmSettings::ts_Click);
     connect(ui->cmdApply, &QPushButton::clicked, this, &frmSettings::cmdApply_Click);
+    connect(ui->cmdHistory, &QPushButton::clicked, this, [this] { neighbours_.showHistoryOptions(this); });
     connect(ui->cmdOK, &QPushButton::clicked, this, &frmSettings::cmdOK_Click);
     connect(ui->cmdCancel, &QPushButton::clicked, this, &frmSettings::cmdCancel_Click);
     const std::pair<QPushButton*, int> sounds[] = {

@@ -36,6 +36,8 @@ public:
     public:
         virtual void warningChanged(const QString& warning) = 0;
         virtual void chooseSound(int index, QWidget* parent) = 0;
+        // "History...": whether the break history is kept, and clearing it (nothing where none is kept).
+        virtual void showHistoryOptions(QWidget* parent) { (void)parent; }
 
     protected:
         ~Neighbours() = default;

@@ -77,6 +77,8 @@ inline constexpr Option kOptions[] = {
     {.section = "Options", .key = "tray", .kind = OptionKind::Number},
     {.section = "Options", .key = "Initialised", .kind = OptionKind::Text, .textDefault = "0"},
     {.section = "Options", .key = "AppPath", .kind = OptionKind::Text},
+    // Whether the break history is kept (the options dialog's "History..." and the history itself).
+    {.section = "Options", .key = "RecordHistory", .kind = OptionKind::YesNo, .numberDefault = 1},
     {.section = "Exercise",
      .key = "ProcrastinateM",
      .kind = OptionKind::Number,

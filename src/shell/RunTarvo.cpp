@@ -5,6 +5,7 @@
 #include "core/RegistryStore.h"
 #include "core/SingleInstance.h"
 #include "engine/AppContext.h"
+#include "history/HistoryExport.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "settings/SettingsStore.h"
 #include "shell/DesktopRequired.h"
@@ -26,10 +27,13 @@ namespace tarvo {
 
 namespace {
 
-const char* const kHelp = "Usage: tarvo [shutdown]\n"
+const char* const kHelp = "Usage: tarvo [shutdown | history --csv [FILE]]\n"
                           "A break reminder in the notification area: short micropauses every few minutes\n"
                           "and exercise breaks, with a natural pause of your own counted as a micropause.\n"
                           "  shutdown    end the running Tarvo Micropause\n"
+                          "  history --csv [FILE]\n"
+                          "              write the break history as comma-separated values to FILE\n"
+                          "              (or to standard output)\n"
                           "  --help      show this text\n"
                           "  --version   show the version\n";
 
@@ -85,6 +89,12 @@ int runTarvo(int& argc, char** argv) {
             return 0;
         }
     }
+    // The history's export needs neither a display nor the running program's leave.
+    if (argc >= 2 && std::strcmp(argv[1], "history") == 0) {
+        QCoreApplication app(argc, argv); // Qt SQL loads its driver through the application
+        return runHistoryCommand(QCoreApplication::arguments().mid(2), historyFilePath(), programFolder(),
+                                 systemClock());
+    }
     // The program draws nothing with OpenGL; Qt's GL integration would cost memory for nothing.
     if (qEnvironmentVariableIsEmpty("QT_XCB_GL_INTEGRATION"))
         qputenv("QT_XCB_GL_INTEGRATION", "none");
@@ -123,7 +133,7 @@ int runTarvo(int& argc, char** argv) {
         QApplication::setWindowIcon(icon); // every window of the program carries it
         TarvoProgram program(ctx,
                              {*instance, platform.tray(), platform.processes(),
-                              qEnvironmentVariable("windir"), releaseFreedMemory},
+                              qEnvironmentVariable("windir"), releaseFreedMemory, historyFilePath()},
                              icon);
         program.Form_Load();
         // A session that ends the program still takes the icon away and clears "tray".

@@ -10,6 +10,9 @@
 #include "engine/BreakEngine.h"
 #include "engine/SchemeStore.h"
 #include "exercise/ExerciseScreens.h"
+#include "history/HistoryLog.h"
+#include "history/HistoryPanel.h"
+#include "history/frmHistoryOptions.h"
 #include "micropause/MainForm.h"
 #include "micropause/WarningSounds.h"
 #include "micropause/frmSound.h"
@@ -52,6 +55,13 @@ void TarvoProgram::startRunning() {
     mainForm_->setAfterUnload(shell_.releaseFreedMemory);
     exerciseScreens_->attach(engine_->exercise());
     exerciseScreens_->setAfterBreak(shell_.releaseFreedMemory);
+    if (!shell_.historyPath.isEmpty()) {
+        history_ = std::make_unique<HistoryLog>(shell_.historyPath, ctx_.programFolder, ctx_.settings,
+                                                ctx_.clock, ctx_.timers, shell_.releaseFreedMemory);
+        engine_->history().connect(history_.get());
+        mainForm_->setStatusPanelMaker(
+            [this] { return std::make_unique<HistoryPanel>(*history_, ctx_.clock); });
+    }
     TrayActions& actions = *this;
     menu_ = std::make_unique<TrayMenu>(ctx_.settings, actions);
     hook_ = std::make_unique<TrayHook>(shell_.tray, *menu_, actions, TrayHook::screenTwipsPerPixelX());
@@ -66,6 +76,7 @@ void TarvoProgram::startRunning() {
     loadAllSettings(ctx_.settings, ctx_.record, this);
     engine_->exercise().ExercisesPerBreak = ctx_.record.NumAtaTime;
 
+    engine_->programStarts();
     engine_->scheduler().SetTimers();
     const std::int32_t now = ctx_.clock.tickCount();
     ctx_.schedule.LastActivityTimes = {now, now};
@@ -98,6 +109,7 @@ void TarvoProgram::FirstTimeInitialise() {
 void TarvoProgram::Form_Unload() {
     if (!std::exchange(running_, false))
         return;
+    engine_->programEnds();
     ctx_.monitor.InstallFilter(0, false);
     ctx_.monitor.InstallFilter(1, false);
     hook_->removeIcon();
@@ -138,6 +150,13 @@ void TarvoProgram::chooseSound(int index, QWidget* parent) {
     sound.exec();
 }
 
+void TarvoProgram::showHistoryOptions(QWidget* parent) {
+    if (!history_)
+        return;
+    frmHistoryOptions options(*history_, ctx_.messages, parent);
+    options.exec();
+}
+
 void TarvoProgram::showStatus() {
     mainForm_->showStatus();
 }
@@ -150,7 +169,7 @@ void TarvoProgram::showAbout() {
 }
 
 void TarvoProgram::micropauseNow() {
-    engine_->micropause().TarvoMicropause();
+    engine_->micropause().TarvoMicropause(origin::Menu);
 }
 
 void TarvoProgram::exerciseNow() {

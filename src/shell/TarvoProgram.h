@@ -24,6 +24,7 @@ class TrayMenu;
 class WarningSounds;
 class frmAboutKelmar;
 class frmSettings;
+class HistoryLog;
 
 // The seams that only start-up, shut-down and the tray use, and what the program was started with.
 struct ShellContext {
@@ -33,6 +34,8 @@ struct ShellContext {
     QString windir; // the "windir" environment variable (normally unset here)
     // Gives the heap's free memory back to the system after each break, once its screen is gone.
     std::function<void()> releaseFreedMemory = [] {};
+    // The break history's file; none (empty) records nothing.
+    QString historyPath = {};
 };
 
 // The program's life: start-up (Form_Load), first-run initialisation and shut-down (Form_Unload), and
@@ -81,6 +84,7 @@ private:
     // What the options dialog asks of the forms beside it.
     void warningChanged(const QString& warning) override;
     void chooseSound(int index, QWidget* parent) override;
+    void showHistoryOptions(QWidget* parent) override;
 
     AppContext& ctx_;
     ShellContext shell_;
@@ -93,6 +97,7 @@ private:
     std::unique_ptr<TrayHook> hook_;
     std::unique_ptr<frmAboutKelmar> about_;
     std::unique_ptr<frmSettings> settingsForm_; // made at its first opening
+    std::unique_ptr<HistoryLog> history_;
     bool running_ = false;
 };
 

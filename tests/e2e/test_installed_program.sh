@@ -40,6 +40,11 @@ grep -q -F '[HKEY_CURRENT_USER\Software\VB and VBA Program Settings\Tarvo Microp
 grep -q -F "\"AppPath\"=\"$bin\"" "$store" || fail "the program did not find its folder through the link"
 echo "ok - the launcher's command starts the program from its folder, the icon docks, the first run imports the defaults"
 
+# The history's module lies in the program folder: the export finds it, and the start is in the file.
+env -u DISPLAY tarvo-micropause history --csv >"$work/history.csv" 2>&1 || fail "the export failed: $(cat "$work/history.csv")"
+grep -q ',start,' "$work/history.csv" || fail "no start in the history: $(cat "$work/history.csv")"
+echo "ok - the installed export reads the history through the installed module"
+
 timeout 20 tarvo-micropause shutdown || fail "tarvo-micropause shutdown did not end"
 wait_for 50 sh -c "! kill -0 $tarvo 2>/dev/null" || fail "the running instance did not end"
 # With every medium installed the generator has nothing to write.

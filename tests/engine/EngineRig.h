@@ -3,6 +3,7 @@
 #include "engine/BreakEngine.h"
 #include "engine/CountdownBar.h"
 #include "engine/ExerciseView.h"
+#include "engine/HistoryRecorder.h"
 #include "engine/MainView.h"
 #include "engine/Warnings.h"
 #include "support/FakeContext.h"
@@ -21,12 +22,16 @@ struct Bar : tarvo::CountdownBar {
 };
 
 // The engine with every seam faked; the screens and the speakers write one log of "<minute> <what>",
-// and the player's exercises are noted with the second they came up.
-struct EngineRig : FakeContext, tarvo::MainView, tarvo::ExerciseView, tarvo::Warnings {
+// and the player's exercises are noted with the second they came up; the history is one line per event.
+struct EngineRig : FakeContext,
+                   tarvo::MainView,
+                   tarvo::ExerciseView,
+                   tarvo::Warnings,
+                   tarvo::HistoryRecorder {
     tarvo::SettingsRecord& settings = ctx.record;
     tarvo::SchedulerState& state = ctx.schedule;
     Bar bar;
-    QStringList log, shows;
+    QStringList log, shows, history;
     QString exerciseText, voluntaryText, lastText, sourceText, presenceText;
     int voluntaryWrites = 0;
     tarvo::BreakEngine engine{ctx, *this, *this, *this};
@@ -37,6 +42,7 @@ struct EngineRig : FakeContext, tarvo::MainView, tarvo::ExerciseView, tarvo::War
         ctx.monitor.InstallFilter(0, true);
         ctx.monitor.InstallFilter(1, true);
         state.LastActivityTimes = {clock.tickCount(), clock.tickCount()};
+        engine.history().connect(this);
     }
     // The user is busy on `channel` every second, or idle for channel -1.
     void run(int minutes, int channel) { runSeconds(minutes * 60, channel); }
@@ -89,4 +95,10 @@ struct EngineRig : FakeContext, tarvo::MainView, tarvo::ExerciseView, tarvo::War
         shows << QStringLiteral("%1@%2%3").arg(file).arg(timeline.now() / 1000).arg(topmost ? "" : " again");
     }
     void dismissPlayer() override { note("player gone"); }
+
+    void record(const tarvo::HistoryEvent& e) override {
+        history << QStringList{e.at.toString("hh:mm:ss"), tarvo::historyKindName(e.kind), e.outcome,
+                               QString::number(e.seconds), e.details}
+                       .join('|');
+    }
 };

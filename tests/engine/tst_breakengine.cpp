@@ -197,6 +197,64 @@ private slots:
     }
 
 private slots:
+    // A day as the history gets it: one event per break, prompt, sleep, lock, hold, start and end, each
+    // at its beginning, with its length; a natural pause is one event however many checks it spans, told
+    // once the user is back (or the program ends); a hold runs from the break it first held, or from when
+    // the person got busy with breaks the lock held, to the moment they came.
+    void aDayInTheHistory() {
+        EngineRig rig;
+        loadScheme(rig);
+        rig.settings.EveryM = 2;
+        rig.settings.InterruptEvery = 3;
+        rig.engine.scheduler().SetTimers();
+        rig.engine.programStarts();
+        rig.run(2, 0);
+        rig.exercise.promptLoaded(); // the prompt at 09:02, left open: its micropause at 09:05
+        rig.run(4, 0);
+        rig.exercise.later("10");
+        rig.exercise.promptUnloaded();
+        rig.engine.micropause().TarvoMicropause(origin::Menu);
+        rig.timeline.advance(3000);
+        rig.engine.micropause().cmdCancel_Click();
+        rig.ticksUntilOver();
+        rig.run(1, -1); // idle from 09:06:18 ...
+        rig.run(1, 0);  // ... and back
+        rig.clock.suspend(20 * 60000);
+        rig.monitor.input(0, rig.clock.tickCount());
+        static_cast<ManualTimer&>(rig.engine.tSeconds()).fire();
+        rig.exercise.exerciseNowFromTray();
+        rig.timeline.advance(2000);
+        rig.messages.answerNext(MessageBox::Answer::Yes);
+        rig.exercise.askToQuit();
+        rig.timeline.advance(1000);
+        QVERIFY(!rig.state.InExerciseBreak);
+        rig.run(2, 0);
+        rig.exercise.promptLoaded();
+        rig.exercise.exerciseNowFromPrompt();
+        rig.exercise.promptUnloaded();
+        wholeBreak(rig);
+        rig.run(1, -1);
+        rig.presence.set(PresenceCondition::Locked, true);
+        rig.runSeconds(60); // the password typed meanwhile; the prompt falls due as the lock ends ...
+        rig.presence.set(PresenceCondition::Locked, false);
+        rig.presence.set(PresenceCondition::FullScreen, true); // ... and waits on for the film
+        rig.run(2, 0);
+        rig.presence.set(PresenceCondition::FullScreen, false);
+        rig.runSeconds(20);
+        rig.engine.programEnds();
+        QCOMPARE(rig.history,
+                 QStringList({"09:00:00|start||0|", "09:05:00|micropause|completed|15|scheduled",
+                              "09:02:00|exercise prompt|later|600|10 minutes",
+                              "09:06:00|micropause|ended early|3|menu",
+                              "09:06:18|micropause|credited|45|natural", "09:08:03|sleep|away|1200|",
+                              "09:28:03|exercise break|quit|3|1 of 6 exercises, from the menu",
+                              "09:30:06|exercise prompt|exercise now|0|",
+                              "09:30:06|exercise break|completed|21|6 of 6 exercises, from the prompt",
+                              "09:30:42|micropause|credited|45|natural",
+                              "09:31:27|lock|away|60|natural micropause",
+                              "09:32:27|hold|came after|122|full-screen window", "09:34:47|shut down||0|"}));
+    }
+
     // Six per break over four included exercises: the title, 1–4 and 1, each for its seconds plus one
     // (the captions count down: the forms' test); the next break goes on with the second. The timers
     // stop for the break and are re-armed after it, with the number per break read afresh.

@@ -82,7 +82,7 @@ private slots:
 
     // Do-not-disturb holds; an idle inhibitor whose option is off does not. A natural pause during
     // the hold covers the held micropause, not the prompt. With a limit of 2 minutes, held breaks
-    // come anyway.
+    // come anyway. The history tells each hold with what held it and what became of its breaks.
     void naturalPausesAndTheLimit() {
         EngineRig rig;
         rig.settings.EveryM = 1;
@@ -105,6 +105,15 @@ private slots:
         rig.presence.set(PresenceCondition::FullScreen, true);
         rig.run(3, 0);
         QCOMPARE(breaks(rig), "3 X, 3 prompt, 6 micropause, 6 notification");
+        rig.run(2, 0); // the next micropause is held at 8, and the user's own pause covers it
+        rig.runSeconds(40, -1);
+        QCOMPARE(rig.history, QStringList({"09:01:00|hold|came after|162|do not disturb",
+                                           "09:03:15|micropause|credited|15|natural",
+                                           "09:04:00|hold|came at the limit|120|full-screen window",
+                                           "09:06:00|micropause|completed|15|scheduled",
+                                           "09:06:00|hold|came at the limit|120|full-screen window",
+                                           "09:08:00|micropause|completed|15|scheduled",
+                                           "09:08:00|hold|covered|75|full-screen window"}));
     }
 };
 

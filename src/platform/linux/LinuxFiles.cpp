@@ -1,8 +1,10 @@
 #include "platform/linux/LinuxFiles.h"
 
 #include "platform/linux/FileRegistryStore.h"
+#include "platform/linux/SystemClock.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -15,6 +17,18 @@ QString programFolder() {
     if (!image.isEmpty())
         return QFileInfo(image).absolutePath();
     return QCoreApplication::applicationDirPath(); // without /proc: Qt's own guess from argv[0]
+}
+
+const Clock& systemClock() {
+    static const SystemClock clock;
+    return clock;
+}
+
+QString historyFilePath() {
+    QString base = qEnvironmentVariable("XDG_DATA_HOME");
+    if (base.isEmpty() || !QDir::isAbsolutePath(base)) // as the base directory specification says
+        base = QDir::homePath() + QStringLiteral("/.local/share");
+    return base + QStringLiteral("/tarvo/history.sqlite");
 }
 
 std::unique_ptr<RegistryStore> openUserStore() {

@@ -6,6 +6,7 @@
 
 namespace tarvo {
 
+class Clock;
 class RegistryStore;
 
 // The program's files on a Linux desktop: its folder and the user's settings store. Display-free (Qt
@@ -20,5 +21,11 @@ QString programFolder();
 
 // The user's settings store at its place ($XDG_CONFIG_HOME/tarvo/registry.reg).
 std::unique_ptr<RegistryStore> openUserStore();
+
+// Where the break history is kept: $XDG_DATA_HOME/tarvo/history.sqlite (~/.local/share by default).
+QString historyFilePath();
+
+// The system's clock, for what runs without the rest of the platform (the history's export).
+const Clock& systemClock();
 
 } // namespace tarvo
