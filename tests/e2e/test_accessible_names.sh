@@ -21,10 +21,11 @@ names() { # <name>...
     /usr/bin/python3 - "$@" <<'EOF'
 import sys, time, pyatspi
 roles = {pyatspi.ROLE_PUSH_BUTTON, pyatspi.ROLE_CHECK_BOX, pyatspi.ROLE_RADIO_BUTTON, pyatspi.ROLE_TEXT,
-         pyatspi.ROLE_SPIN_BUTTON}
+         pyatspi.ROLE_SPIN_BUTTON, pyatspi.ROLE_TREE, pyatspi.ROLE_TREE_TABLE, pyatspi.ROLE_TABLE,
+         pyatspi.ROLE_LIST, pyatspi.ROLE_LIST_BOX}
 def controls(node):
     for child in filter(None, node):
-        if child.getRole() in roles:
+        if child.getRole() in roles and node.getRole() != pyatspi.ROLE_COMBO_BOX:  # not a combo's list
             yield child.name, f"{child.getRoleName()} in {node.name or node.getRoleName()!r}"
         yield from controls(child)
 for _ in range(50):
@@ -55,7 +56,8 @@ menu_key o
 wait_for 100 visible_window '^Tarvo Options$' || fail "the menu's \"&Options...\" did not open the dialog"
 xdotool key ctrl+Tab sleep 0.2 key ctrl+Tab sleep 0.2 key ctrl+Tab
 # Besides a name for every control: arrows of the first page, the schemes page and the prompt.
-names "Increase Interrupt me for" "Decrease seconds" "Increase Minutes to postpone" "Micropause message" ||
+names "Increase Interrupt me for" "Decrease seconds" "Increase Minutes to postpone" "Micropause message" \
+    "Exercises" ||
     fail "the options dialog or the prompt has unnamed controls"
 xdotool windowactivate --sync "$(xdotool search --onlyvisible --name '^Exercise\.\.\.$' | head -n 1)" key Return
 wait_for 100 visible_window '^Look far \(' || fail "the prompt's Exercise Now showed no player"
