@@ -215,6 +215,12 @@ void frmTarvo::keyPressEvent(QKeyEvent* event) {
 void frmTarvo::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     Form_Resize();
+    covers_.follow(geometry());
+}
+
+void frmTarvo::moveEvent(QMoveEvent* event) {
+    QWidget::moveEvent(event);
+    covers_.follow(geometry());
 }
 
 void frmTarvo::changeEvent(QEvent* event) {

@@ -109,6 +109,7 @@ int runTarvo(int& argc, char** argv) {
         return 1;
     }
 
+    chooseQtPlatformForSession();
     std::optional<DesktopRequired> desktopRequired(std::in_place);
     TarvoApplication app(argc, argv);
     desktopRequired.reset();

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/linux/LinuxFiles.h" // programFolder() and openUserStore() serve the whole program too
+#include "platform/linux/LinuxFiles.h"      // programFolder() and openUserStore() serve the whole program too
+#include "platform/linux/SessionPlatform.h" // the Qt platform, chosen before the application exists
 
 #include <QString>
 

@@ -7,6 +7,7 @@
 #include "platform/linux/ActivityMonitorFactory.h"
 #include "platform/linux/ExtIdleNotifyMonitor.h"
 #include "platform/linux/MutterIdleMonitor.h"
+#include "platform/linux/SessionPlatform.h"
 #include "platform/linux/X11ActivityMonitor.h"
 #include "support/XvfbServer.h"
 
@@ -249,6 +250,20 @@ private slots:
         }
         qunsetenv("WAYLAND_DISPLAY");
         qputenv("DISPLAY", xvfb_.display());
+    }
+
+    // Windows go through XWayland where a Wayland session offers X11; the user's own choice stands.
+    void aWaylandSessionWithX11ChoosesXWayland() {
+        struct {
+            SessionEnvironment session;
+            QByteArray platform;
+        } const cases[] = {
+            {{"", "wayland-0", ":1", "wayland"}, "xcb"}, {{"", "", ":1", "wayland"}, "xcb"},
+            {{"", "wayland-0", ":1", ""}, "xcb"},        {{"wayland", "wayland-0", ":1", "wayland"}, ""},
+            {{"", "wayland-0", "", "wayland"}, ""},      {{"", "", ":1", "x11"}, ""},
+        };
+        for (const auto& c : cases)
+            QCOMPARE(qtPlatformForSession(c.session), c.platform);
     }
 
     // A lost X11 connection is made again when the display is back, and otherwise gives way to the user
