@@ -66,6 +66,7 @@ private:
     void escapeOnCover() override;
     void Form_Resize();
     void applyBreakLayout(const BreakLayout& layout, bool blank);
+    void freeSize(); // undoes the fixed size of a break at its own size
     void setBackground(const QColor& color);
 
     std::unique_ptr<Ui::frmTarvo> ui;

@@ -1,0 +1,124 @@
+#!/usr/bin/env bash
+# The real program in a sway session (wlroots; headless, two outputs of 1280x800, XWayland), beside a
+# native Wayland window the user types in: a blanked micropause covers both outputs above that window
+# and has the keyboard, a micropause at its own size stays in sight, the exercise prompt comes up
+# without taking the keyboard, and the player shows its video. What the user sees is taken from
+# sway's own screenshots (grim) and window tree (swaymsg).
+#   test_wayland_sway.sh <program folder> <screenshot folder> <test folder>
+set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+. "$here/lib.sh"
+. "$here/wayland_session.sh"
+needs sway swaymsg grim wtype Xwayland xdotool xdpyinfo setpriv
+as_ordinary_user "$here/$(basename "$0")" "$@"
+bin=$1
+shots=$2
+tests=$3
+
+# --- the session -----------------------------------------------------------------------------------
+unset WAYLAND_DISPLAY DISPLAY SWAYSOCK
+cat >"$work/sway.config" <<CONFIG
+xwayland force
+output HEADLESS-1 resolution 1280x800 position 0 0
+output HEADLESS-2 resolution 1280x800 position 1280 0
+exec env >$work/session.env
+CONFIG
+WLR_BACKENDS=headless WLR_HEADLESS_OUTPUTS=2 WLR_RENDERER=pixman WLR_LIBINPUT_NO_DEVICES=1 \
+    sway -c "$work/sway.config" >"$work/sway.log" 2>&1 &
+pids+=($!)
+wait_for 200 grep -q '^DISPLAY=' "$work/session.env" || fail "sway did not start ($(tail -n 3 "$work/sway.log"))"
+eval "export $(grep -E '^(WAYLAND_DISPLAY|DISPLAY|SWAYSOCK)=' "$work/session.env" | tr '\n' ' ')"
+wait_for 100 xdpyinfo || fail "XWayland did not start"
+
+# A window of the program is up: a break, wider than its menu and its stand-in window; the menu,
+# taller than the stand-in window and its tool tip.
+window_up() { # <arithmetic test of WIDTH and HEIGHT>
+    local w
+    for w in $(xdotool search --onlyvisible --pid "$tarvo" 2>/dev/null); do
+        eval "$(xdotool getwindowgeometry --shell "$w")"
+        (($1)) && return 0
+    done
+    return 1
+}
+break_up() { window_up "WIDTH >= 300"; }
+# The user opens the menu from the stand-in window and picks an item by its access key. XWayland's
+# menus take the pointer and the keyboard, which the compositor grants only to the window that has
+# the focus: the stand-in window gets it first, and a second start pops the menu up.
+stand_in_menu() { # <key>
+    swaymsg '[title="^Tarvo Micropause$"] focus' >/dev/null
+    "$bin/tarvo" &
+    pids+=($!)
+    wait_for 50 window_up "WIDTH < 300 && HEIGHT >= 100" || fail "a second start showed no menu"
+    sleep 0.3
+    type_keys "$1"
+}
+# The window that has sway's keyboard focus.
+focused() { swaymsg -t get_tree | jq -r '.. | select(.focused? == true) | .id'; }
+micropause_now() {
+    stand_in_menu m
+    had_focus=$(focused)
+    wait_for 50 break_up || fail "\"Micropause Now!\" showed no break"
+}
+# A failure leaves what the screen showed then.
+fail() {
+    grim "$shots/sway-failure.png" 2>/dev/null || true
+    xwininfo -root -tree | grep "Tarvo" | sed "s/^/  X: /"
+    echo "FAIL: $*"
+    [ -s "$work/tarvo.err" ] && sed 's/^/  tarvo: /' "$work/tarvo.err"
+    exit 1
+}
+# The colours of a part of the screen as sway composes it, as raw bytes of a PPM (after its header).
+pixels() { grim -g "$1" -t ppm "$work/part.ppm" && tail -n +4 "$work/part.ppm"; }
+all_black() { pixels "$1" >"$work/part.raw" && [ -s "$work/part.raw" ] && [ "$(tr -d '\0' <"$work/part.raw" | wc -c)" -eq 0 ]; }
+not_black() { ! all_black "$1"; }
+corner=0,0\ 300x200 # the first output's corner, away from the break's panel
+right=1280,0\ 1280x800
+
+start_work_window "$tests"
+start_tarvo "[Options]" '"Initialised"="1"' "[Micropause]" '"InterruptFor"="6"' '"Blank"="1"'
+# The user goes back to work: the stand-in window, with no tray host in this session, took the focus.
+swaymsg '[title="^Busy work$"] focus' >/dev/null
+busy_has_keyboard start || fail "the native window does not get what is typed"
+wait_for 50 sh -c "swaymsg -t get_tree | grep -q '\"shell\": \"xwayland\"'" ||
+    fail "the program did not choose XWayland in a session that offers it"
+echo "ok - the program chose XWayland"
+
+# --- a blanked micropause covers both outputs above the native window and has the keyboard ----------
+xdotool mousemove 600 400
+micropause_now
+started=$(date +%s%N)
+wait_for 50 all_black "$corner" || fail "the break does not cover the native window on the first output"
+wait_for 50 all_black "$right" || fail "the second output is not covered"
+grim "$shots/sway-break.png"
+before=$(wc -l <"$busy_out")
+type_keys during
+sleep 0.3
+[ "$(wc -l <"$busy_out")" = "$before" ] || fail "keys typed during the break reached the native window"
+wait_for 150 not_black "$corner" ||
+    fail "the break did not end by itself"
+elapsed=$((($(date +%s%N) - started) / 1000000))
+((elapsed >= 5000)) || fail "the 6-second break ended after only $elapsed ms"
+wait_for 30 sh -c "[ \"\$(swaymsg -t get_tree | jq -r '.. | select(.focused? == true) | .id')\" = $had_focus ]" ||
+    fail "the keyboard did not go back to the window that had it"
+echo "ok - a blanked micropause covers both outputs above the native window, keeps the keys, ends and gives them back"
+swaymsg '[title="^Busy work$"] focus' >/dev/null
+
+# --- Esc ends a blanked micropause early; one at its own size stays in sight ------------------------
+micropause_now
+wait_for 50 all_black "$right" || fail "the second micropause did not cover the second output"
+press_key Escape
+wait_for 20 not_black "$right" || fail "Esc did not end the break"
+echo "ok - Esc ends a blanked micropause"
+"$bin/tarvo" shutdown
+wait "$tarvo" || true
+start_tarvo "[Micropause]" '"Blank"="0"'
+swaymsg '[title="^Busy work$"] focus' >/dev/null
+spot=350,300\ 20x20 # inside the break's panel, beside the stand-in window
+work_spot=$(pixels "$spot" | md5sum)
+micropause_now
+changed() { [ "$(pixels "$spot" | md5sum)" != "$work_spot" ]; }
+wait_for 50 changed || fail "the micropause at its own size is not seen above the native window"
+grim "$shots/sway-break-unblanked.png"
+unchanged() { ! changed; }
+wait_for 150 unchanged || fail "the micropause at its own size did not end"
+echo "ok - a micropause at its own size is seen above the native window"

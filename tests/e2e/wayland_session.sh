@@ -1,0 +1,45 @@
+# Shared by the Wayland end-to-end scripts (sourced after lib.sh): the compositor runs as an ordinary
+# user, the user's work is a native Wayland window, and the program is left to choose its own platform.
+
+# Run as root, the script runs itself again as an unprivileged user (compositors such as sway refuse
+# root), on a session bus of that user's own, and brings its screenshots back to the given folder.
+as_ordinary_user() { # <script> <program folder> <screenshot folder> <test folder>
+    [ "$(id -u)" = 0 ] || return 0
+    local user=tarvo-e2e out rc=0
+    id "$user" >/dev/null 2>&1 || useradd --system --no-create-home --shell /usr/sbin/nologin "$user" ||
+        { echo "FAIL: could not create the user $user"; exit 1; }
+    out=$(mktemp -d)
+    chown "$user" "$out"
+    setpriv --reuid="$user" --regid="$user" --init-groups env -u DBUS_SESSION_BUS_ADDRESS -u XDG_RUNTIME_DIR \
+        dbus-run-session -- "$1" "$2" "$out" "$4" || rc=$?
+    mkdir -p "$3"
+    cp "$out"/*.png "$3"/ 2>/dev/null || true
+    rm -rf "$out"
+    exit "$rc"
+}
+
+# The program chooses: a Wayland session that offers X11.
+unset QT_QPA_PLATFORM
+
+# The user's work: a native Wayland window ($busy_out gets what is typed into it).
+start_work_window() { # <test folder>
+    busy_out=$work/busy.out
+    env -u DISPLAY "$1/work_window" -platform wayland >"$busy_out" 2>"$work/busy.err" &
+    pids+=($!)
+    wait_for 100 grep -q '^shown$' "$busy_out" || fail "the native window of the user's work did not show"
+}
+
+# Types into whatever has the compositor's keyboard focus; the first key of a fresh virtual keyboard
+# can be lost while its keymap travels, so a Shift goes first.
+type_keys() { wtype -k Shift_L -- "$@"; }
+press_key() { wtype -k Shift_L -k "$1"; }
+# The user's window has the keyboard: what is typed now arrives there.
+busy_has_keyboard() { # <word>
+    local tries
+    type_keys "$1" || return 1
+    for tries in 1 2 3 4 5 6 7 8 9 10; do
+        grep -q "$1\$" "$busy_out" && return 0
+        sleep 0.1
+    done
+    return 1
+}
