@@ -34,12 +34,21 @@ start_work_window() { # <test folder>
 type_keys() { wtype -k Shift_L -- "$@"; }
 press_key() { wtype -k Shift_L -k "$1"; }
 # The user's window has the keyboard: what is typed now arrives there.
-busy_has_keyboard() { # <word>
-    local tries
-    type_keys "$1" || return 1
-    for tries in 1 2 3 4 5 6 7 8 9 10; do
-        grep -q "$1\$" "$busy_out" && return 0
-        sleep 0.1
-    done
-    return 1
+busy_has_keyboard() { type_keys "$1" && wait_for 10 grep -q "$1\$" "$busy_out"; } # <word>
+
+# A failure leaves what the screen showed then, where the session can show it.
+shoot_screen() { return 1; } # <file>
+fail() {
+    echo "FAIL: $*"
+    shoot_screen "$shots/$(basename "$0" .sh)-failure.png" 2>/dev/null || true
+    [ -s "$work/tarvo.err" ] && sed 's/^/  tarvo: /' "$work/tarvo.err"
+    exit 1
+}
+restart() { "$bin/tarvo" shutdown && wait "$tarvo" || true; start_tarvo "$@"; } # [<.reg lines>...]
+# Esc asks whether to quit the exercise break, and Return says yes (keys sent with the given command).
+quit_player() { # <command that sends one key>
+    "$1" Escape
+    wait_for 50 visible_window '^Tarvo Exercise Break$' || fail "Esc did not ask whether to quit"
+    "$1" Return
+    wait_for 50 sh -c "! xdotool search --onlyvisible --name '\([0-9]+\)\$'" || fail "Yes did not end the exercise break"
 }
