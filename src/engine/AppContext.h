@@ -18,6 +18,7 @@ class RandomSource;
 class RegistryStore;
 class SoundPlayer;
 class TimerFactory;
+class WindowFocus;
 
 // The operating-system seams that the engine and the forms use. (Those that only start-up and the tray
 // use stay with the shell.)
@@ -31,6 +32,7 @@ struct Seams {
     FileDialog& files;
     MediaCommands& media;
     RandomSource& random;
+    WindowFocus& windowFocus;
 };
 
 // What the running program shares: the seams, where the program's files are, and the process-wide

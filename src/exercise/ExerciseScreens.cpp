@@ -23,7 +23,7 @@ void ExerciseScreens::attach(ExerciseSequencer& sequencer) {
 void ExerciseScreens::showExercisePrompt() {
     // One prompt at a time: one that is up already is only brought to the front.
     if (!prompt_)
-        prompt_ = new frmChkExercise(*sequencer_);
+        prompt_ = new frmChkExercise(*sequencer_, ctx_.windowFocus);
     prompt_->show();
     prompt_->raise();
 }

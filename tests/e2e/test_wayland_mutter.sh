@@ -94,8 +94,7 @@ wait_for 30 break_over || fail "Esc did not end the break"
 echo "ok - a blanked micropause covers both monitors on top of mutter's stack, has the keyboard, and Esc ends it"
 
 # --- the player shows its video; the prompt comes without taking the keyboard -----------------------
-"$bin/regedit" /s "$bin/tarvo32.reg"
-restart "[Exercise]" '"EveryM"="1"' '"AudibleX"="0"' '"BlankX"="0"'
+restart_with_schemes "[Exercise]" '"EveryM"="1"' '"AudibleX"="0"' '"BlankX"="0"'
 video_window() { xdotool search --onlyvisible --pid "$(pgrep -n -u "$(id -u)" tarvovideo)" 2>/dev/null | head -n 1; }
 video_plays() { local first; first=$(picture "$(video_window)") && sleep 1 && [ "$(picture "$(video_window)")" != "$first" ]; }
 stand_in_menu e

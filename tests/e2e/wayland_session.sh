@@ -44,7 +44,14 @@ fail() {
     [ -s "$work/tarvo.err" ] && sed 's/^/  tarvo: /' "$work/tarvo.err"
     exit 1
 }
+trap 'fail "$BASH_COMMAND failed (line $LINENO)"' ERR # a failure is never silent
 restart() { "$bin/tarvo" shutdown && wait "$tarvo" || true; start_tarvo "$@"; } # [<.reg lines>...]
+# The same with the built-in exercise schemes imported while no instance runs.
+restart_with_schemes() {
+    "$bin/tarvo" shutdown && wait "$tarvo" || true
+    "$bin/regedit" /s "$bin/tarvo32.reg" || fail "regedit could not import the schemes"
+    start_tarvo "$@"
+}
 # Esc asks whether to quit the exercise break, and Return says yes (keys sent with the given command).
 quit_player() { # <command that sends one key>
     "$1" Escape

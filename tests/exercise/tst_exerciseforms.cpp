@@ -9,8 +9,10 @@
 #include "support/QuietViews.h"
 
 #include <QComboBox>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QToolButton>
+#include <QWindow>
 #include <QtTest>
 
 using namespace tarvo;
@@ -135,7 +137,7 @@ private slots:
     // The prompt shows the last postponement, which becomes the minutes to the next prompt; Later takes
     // what was typed (5 for anything but a number, at most 120, no lower limit), saves it and closes the
     // prompt, so that the exercise countdown runs again and brings the prompt back when it runs out;
-    // Exercise Now starts the break.
+    // Exercise Now starts the break. It comes without taking the keyboard.
     void thePromptPutsTheBreakOffOrStartsIt() {
         Rig rig;
         rig.store.model().setValue("Exercise", "ProcrastinateM", "7");
@@ -154,8 +156,13 @@ private slots:
             last = QString::number(minutes);
         }
         rig.timeline.advance(12 * 60000);
-        QVERIFY(rig.screens.prompt()); // once the 12 minutes have run out
-        rig.screens.prompt()->findChild<QPushButton*>("cmdOK")->click();
+        frmChkExercise* prompt = rig.screens.prompt(); // once the 12 minutes have run out
+        QVERIFY(prompt && rig.windowFocus.windows.back() == prompt);
+        // It takes no keyboard when it comes, until the user clicks into it.
+        QVERIFY(prompt->windowHandle()->flags().testFlag(Qt::WindowDoesNotAcceptFocus));
+        QTest::mousePress(prompt->findChild<QComboBox*>("cmbMinutes")->lineEdit(), Qt::LeftButton);
+        QVERIFY(!prompt->windowHandle()->flags().testFlag(Qt::WindowDoesNotAcceptFocus));
+        prompt->findChild<QPushButton*>("cmdOK")->click();
         QVERIFY(rig.ctx.schedule.InExerciseBreak && rig.ctx.schedule.MinutesToExercise == 0);
     }
 

@@ -7,6 +7,7 @@
 #include "platform/fake/MemoryRegistryStore.h"
 #include "platform/fake/RecordingMediaCommands.h"
 #include "platform/fake/RecordingSoundPlayer.h"
+#include "platform/fake/RecordingWindowFocus.h"
 #include "platform/fake/ScriptedFileDialog.h"
 #include "platform/fake/ScriptedMessageBox.h"
 #include "platform/fake/ScriptedRandom.h"
@@ -24,7 +25,7 @@ struct FakeContext {
     explicit FakeContext(QString programFolder = QStringLiteral("/opt/tarvo"), const MonitorMaker& make = {})
         : madeMonitor(make ? make(clock) : nullptr)
         , ctx({store, clock, timeline, madeMonitor ? *madeMonitor : monitor, sound, messages, files, media,
-               random},
+               random, windowFocus},
               std::move(programFolder)) {}
 
     tarvo::MemoryRegistryStore store;
@@ -36,6 +37,7 @@ struct FakeContext {
     tarvo::ScriptedFileDialog files;
     tarvo::RecordingMediaCommands media;
     tarvo::ScriptedRandom random;
+    tarvo::RecordingWindowFocus windowFocus;
     std::unique_ptr<tarvo::ActivityMonitor> madeMonitor;
     tarvo::AppContext ctx;
 };

@@ -12,6 +12,7 @@
 #include "platform/linux/QtTrayIcon.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/SystemRandom.h"
+#include "platform/linux/X11WindowFocus.h"
 #include "platform/linux/XkbStateFollower.h"
 
 #include <malloc.h>
@@ -43,6 +44,7 @@ struct LinuxPlatform::Seams {
     QtFileDialog files;
     MciMediaCommands media{folder + QStringLiteral("/tarvovideo")};
     SystemRandom random;
+    X11WindowFocus windowFocus;
     std::unique_ptr<XkbStateFollower> keyboardState = XkbStateFollower::attach();
 };
 
@@ -86,6 +88,9 @@ MediaCommands& LinuxPlatform::media() {
 }
 RandomSource& LinuxPlatform::random() {
     return seams_->random;
+}
+WindowFocus& LinuxPlatform::windowFocus() {
+    return seams_->windowFocus;
 }
 
 } // namespace tarvo

@@ -16,6 +16,7 @@ class MediaCommands;
 class MessageBox;
 class ProcessRunner;
 class RandomSource;
+class WindowFocus;
 class RegistryStore;
 class SingleInstance;
 class SoundPlayer;
@@ -60,6 +61,7 @@ public:
     FileDialog& files();
     MediaCommands& media();
     RandomSource& random();
+    WindowFocus& windowFocus();
 
 private:
     struct Seams;
