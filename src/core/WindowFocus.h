@@ -12,8 +12,11 @@ class WindowFocus {
 public:
     virtual ~WindowFocus() = default;
 
-    // The window, created but not yet shown, withdraws its offer to take the focus. The form keeps
-    // Qt::WindowDoesNotAcceptFocus for as long as it is to take none.
+    // Whether such a window needs more than Qt::WA_ShowWithoutActivating, which window managers of
+    // an X11 session honour: in a Wayland session's XWayland it does.
+    virtual bool needed() const = 0;
+    // Then the window, with Qt::WindowDoesNotAcceptFocus set and not yet shown, withdraws its offer to
+    // take the focus; it takes the keyboard only once the form clears that flag.
     virtual void offerNoFocus(QWidget& window) = 0;
 };
 

@@ -25,11 +25,14 @@ frmChkExercise::frmChkExercise(ExerciseSequencer& sequencer, WindowFocus& focus,
     , sequencer_(sequencer) {
     ui->setupUi(this);
     setAttribute(Qt::WA_DeleteOnClose);
-    // Shown without activating: whatever the user is typing in keeps the keyboard, also where the
-    // window manager gives every new window the focus (sway), until the user clicks into the prompt.
+    // Shown without activating: whatever the user is typing in keeps the keyboard. Where the window
+    // manager gives every new window the keyboard (sway), the prompt takes none at all until the user
+    // clicks into it.
     setAttribute(Qt::WA_ShowWithoutActivating);
-    setWindowFlag(Qt::WindowDoesNotAcceptFocus);
-    focus.offerNoFocus(*this);
+    if (focus.needed()) {
+        setWindowFlag(Qt::WindowDoesNotAcceptFocus);
+        focus.offerNoFocus(*this);
+    }
     for (QWidget* child : findChildren<QWidget*>())
         child->installEventFilter(this);
     // The minutes field is the list's own line edit, which no label can point at; the spinner's arrows
