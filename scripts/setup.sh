@@ -13,6 +13,7 @@ packages=(
     libwayland-dev wayland-protocols            # the activity monitor's Wayland connection (ext-idle-notify-v1)
     libx11-dev libxtst-dev                      # the activity monitor benchmark's XTEST input load
     xvfb xdotool                                # X11 tests: a private X server and input through XTEST
+    wmctrl                                      # presence tests: a window put full screen through the window manager
     dbus-daemon                                 # idle-monitor tests: a private session bus
     trayer openbox x11-utils x11-xserver-utils  # X11 tests: tray host, window manager, xprop/xwininfo, xrandr
     x11-xkb-utils                               # X11 tests: setxkbmap switches the keyboard layout

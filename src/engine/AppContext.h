@@ -14,6 +14,7 @@ class Clock;
 class FileDialog;
 class MediaCommands;
 class MessageBox;
+class PresenceMonitor;
 class RandomSource;
 class RegistryStore;
 class SoundPlayer;
@@ -33,6 +34,7 @@ struct Seams {
     MediaCommands& media;
     RandomSource& random;
     WindowFocus& windowFocus;
+    PresenceMonitor& presence;
 };
 
 // What the running program shares: the seams, where the program's files are, and the process-wide

@@ -3,6 +3,7 @@
 #include "core/Timer.h"
 #include "engine/ExerciseSequencer.h"
 #include "engine/MicropauseBreak.h"
+#include "engine/PresenceHold.h"
 #include "engine/Scheduler.h"
 
 #include <memory>
@@ -30,6 +31,7 @@ public:
     Scheduler& scheduler() { return scheduler_; }
     MicropauseBreak& micropause() { return micropause_; }
     ExerciseSequencer& exercise() { return exercise_; }
+    PresenceHold& presence() { return presence_; }
     Timer& tMinutes() { return *tMinutes_; }
     Timer& tSeconds() { return *tSeconds_; }
 
@@ -39,7 +41,8 @@ private:
     std::unique_ptr<Timer> tMinutes_;
     std::unique_ptr<Timer> tSeconds_;
     MicropauseBreak micropause_;
-    Scheduler scheduler_; // hands the exercise break's seconds to exercise_, built just after it
+    PresenceHold presence_; // holds breaks for scheduler_, built just after it
+    Scheduler scheduler_;   // hands the exercise break's seconds to exercise_, built just after it
     ExerciseSequencer exercise_;
 };
 

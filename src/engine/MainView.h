@@ -32,6 +32,8 @@ public:
     virtual void showVoluntaryStatus(const QString& text) = 0;
     // Where natural pauses are detected from, or why they are not (ActivityMonitor::description).
     virtual void showActivitySource(const QString& text) = 0;
+    // What holds breaks back now ("Screen locked", "Held: full-screen window", ...), empty for nothing.
+    virtual void showPresenceStatus(const QString& text) = 0;
 };
 
 } // namespace tarvo

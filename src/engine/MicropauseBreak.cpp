@@ -56,13 +56,22 @@ void MicropauseBreak::breakTick() {
     bar.setValue(checked::add(bar.Value(), std::int32_t{1}));
     if (bar.Value() < bar.Max())
         return;
+    finish(true);
+}
+
+void MicropauseBreak::endAsTaken() {
+    if (state_.InMicropause)
+        finish(false);
+}
+
+void MicropauseBreak::finish(bool withSound) {
     tSeconds_.setEnabled(false);
     view_.dismissBreak();
     state_.InMicropause = false;
     tSeconds_.setInterval(Scheduler::naturalPauseInterval(settings_));
     tSeconds_.setEnabled(true);
     view_.showLastMicropause(QStringLiteral("Last tarvo micropause: ") + formatHhNn(clock_.localNow()));
-    if (settings_.Audible)
+    if (withSound && settings_.Audible)
         warnings_.AudibleNotification();
 }
 

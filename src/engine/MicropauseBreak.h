@@ -31,8 +31,12 @@ public:
     // Before the options dialog opens: a running break more than 3 steps from its end is brought to
     // its last step, so that it ends at the next tick and the options are never edited during one.
     void cutShort();
+    // The screen was locked: a running break ends now, as taken, without the end sound.
+    void endAsTaken();
 
 private:
+    void finish(bool withSound);
+
     const SettingsRecord& settings_;
     SchedulerState& state_;
     Timer& tSeconds_;

@@ -8,6 +8,7 @@
 #include "engine/ExerciseView.h"
 #include "engine/MainView.h"
 #include "engine/MicropauseBreak.h"
+#include "engine/PresenceHold.h"
 #include "engine/SchedulerState.h"
 #include "engine/Warnings.h"
 #include "settings/SettingsRecord.h"
@@ -25,7 +26,7 @@ constexpr std::int32_t kMinMinutesAfterApply = 2;
 Scheduler::Scheduler(const SettingsRecord& settings, SchedulerState& state, const Clock& clock,
                      ActivityMonitor& monitor, Timer& tMinutes, Timer& tSeconds, MicropauseBreak& micropause,
                      ExerciseSequencer& exercise, Warnings& warnings, MainView& view,
-                     ExerciseView& exerciseView)
+                     ExerciseView& exerciseView, PresenceHold& hold)
     : settings_(settings)
     , state_(state)
     , clock_(clock)
@@ -37,6 +38,7 @@ Scheduler::Scheduler(const SettingsRecord& settings, SchedulerState& state, cons
     , warnings_(warnings)
     , view_(view)
     , exerciseView_(exerciseView)
+    , hold_(hold)
     , suspendedSeen_(clock.suspendedMs()) {}
 
 int Scheduler::naturalPauseInterval(const SettingsRecord& settings) {
@@ -60,18 +62,25 @@ void Scheduler::SetTimers() {
     tSeconds_.setInterval(naturalPauseInterval(settings_));
     tSeconds_.setEnabled(true);
     suspendedSeen_ = clock_.suspendedMs();
+    hold_.reset();
 }
 
 void Scheduler::tMinutes_Timer() {
     // The tick that finds the exercise countdown restarted after a sleep leaves it at its full length.
     if (noticeSleep())
         return;
+    hold_.minuteTick();
     if (state_.ExercisePromptPending) {
         state_.MinutesToMicropause = checked::sub(state_.MinutesToMicropause, std::int32_t{1});
-        if (state_.MinutesToMicropause == 1 && settings_.AudiblePre)
-            warnings_.AudibleWarningPre();
-        else if (state_.MinutesToMicropause < 1)
-            micropause_.TarvoMicropause();
+        if (state_.MinutesToMicropause == 1 && settings_.AudiblePre) {
+            if (!hold_.holdsPreWarning())
+                warnings_.AudibleWarningPre();
+        } else if (state_.MinutesToMicropause < 1) {
+            if (hold_.holdsMicropause())
+                state_.MinutesToMicropause = state_.MicropauseReload; // runs on, as if it had come
+            else
+                micropause_.TarvoMicropause();
+        }
         return;
     }
 
@@ -81,6 +90,10 @@ void Scheduler::tMinutes_Timer() {
     // on into the negative and never does.
     if (state_.MinutesToExercise != 0)
         return;
+    if (hold_.holdsPrompt()) {
+        state_.ExercisePromptPending = true; // the micropause countdown runs on as if it were up
+        return;
+    }
     if (settings_.AudibleX)
         warnings_.AudibleWarningX();
     state_.ExercisePromptPending = true;
@@ -127,6 +140,10 @@ bool Scheduler::noticeSleep() {
     // Whoever was at the machine while it slept was not typing. Counted here, at the first tick after
     // resume, rather than by the natural-pause check: the keys pressed to wake the machine are
     // activity, and the minute tick may come first and start a micropause on the user's return.
+    return awayFor(slept);
+}
+
+bool Scheduler::awayFor(std::int64_t slept) {
     if (slept >= naturalPauseInterval(settings_))
         countNaturalPause();
     if (!state_.ExercisePromptPending && settings_.EveryM > 0 &&
@@ -142,8 +159,10 @@ void Scheduler::countNaturalPause() {
     // The text is kept up to date whether or not it resets the countdown; with IntelliReset a long
     // absence holds the countdown at its full value.
     view_.showVoluntaryStatus(QStringLiteral("Last natural micropause: ") + formatHhNn(clock_.localNow()));
-    if (settings_.IntelliReset)
+    if (settings_.IntelliReset) {
         state_.MinutesToMicropause = state_.MicropauseReload;
+        hold_.naturalPause();
+    }
 }
 
 void Scheduler::ApplyMicropauseOptions() {

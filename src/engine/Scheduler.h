@@ -12,6 +12,7 @@ class ExerciseSequencer;
 class ExerciseView;
 class MainView;
 class MicropauseBreak;
+class PresenceHold;
 class Timer;
 class Warnings;
 struct SchedulerState;
@@ -32,13 +33,17 @@ struct SettingsRecord;
 // learns from the clock how long the machine slept. At least one micropause length counts as a natural
 // micropause; at least EveryM minutes starts the exercise countdown afresh.
 //
+// A locked screen and a busy person (PresenceHold) hold the micropause, its pre-warning and the exercise
+// prompt as they fall due; the countdowns run on regardless.
+//
 // All counter arithmetic is checked: an overflow is run-time error 6 and leaves the handler, like any
 // other error of a tick; nothing here catches.
 class Scheduler {
 public:
     Scheduler(const SettingsRecord& settings, SchedulerState& state, const Clock& clock,
               ActivityMonitor& monitor, Timer& tMinutes, Timer& tSeconds, MicropauseBreak& micropause,
-              ExerciseSequencer& exercise, Warnings& warnings, MainView& view, ExerciseView& exerciseView);
+              ExerciseSequencer& exercise, Warnings& warnings, MainView& view, ExerciseView& exerciseView,
+              PresenceHold& hold);
     Scheduler(const Scheduler&) = delete;
     Scheduler& operator=(const Scheduler&) = delete;
 
@@ -59,6 +64,11 @@ public:
     // Once the new EveryM is in the record: the minutes to the next exercise prompt are lowered to
     // the new interval, never raised.
     void ApplyExerciseOptions();
+
+    // The user was away this long (a suspended machine, a locked screen): one micropause length or more
+    // is a natural micropause, EveryM minutes or more (with no prompt pending) restarts the exercise
+    // countdown. True when it restarted the exercise countdown.
+    bool awayFor(std::int64_t ms);
 
     // The tSeconds interval between breaks: InterruptFor seconds, in milliseconds.
     static int naturalPauseInterval(const SettingsRecord& settings);
@@ -81,6 +91,7 @@ private:
     Warnings& warnings_;
     MainView& view_;
     ExerciseView& exerciseView_;
+    PresenceHold& hold_;
     QString shownSource_;
     std::int64_t suspendedSeen_; // the clock's suspended total at the last tick
 };

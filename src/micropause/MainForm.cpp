@@ -52,6 +52,7 @@ frmTarvo& MainForm::loaded() {
     showIfWritten(exerciseStatus_, form, &frmTarvo::showExerciseStatus);
     showIfWritten(voluntaryStatus_, form, &frmTarvo::showVoluntaryStatus);
     showIfWritten(activitySource_, form, &frmTarvo::showActivitySource);
+    showIfWritten(presenceStatus_, form, &frmTarvo::showPresenceStatus);
     if (const QScreen* screen = QGuiApplication::primaryScreen()) {
         const QRect area = screen->geometry();
         form->move(area.x() + (area.width() - form->width()) / 2,
@@ -121,6 +122,11 @@ void MainForm::showVoluntaryStatus(const QString& text) {
 void MainForm::showActivitySource(const QString& text) {
     activitySource_ = text;
     showIfWritten(text, form_.get(), &frmTarvo::showActivitySource);
+}
+
+void MainForm::showPresenceStatus(const QString& text) {
+    presenceStatus_ = text;
+    showIfWritten(text, form_.get(), &frmTarvo::showPresenceStatus);
 }
 
 } // namespace tarvo

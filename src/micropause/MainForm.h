@@ -45,6 +45,7 @@ public:
     void showExerciseStatus(const QString& text) override;
     void showVoluntaryStatus(const QString& text) override;
     void showActivitySource(const QString& text) override;
+    void showPresenceStatus(const QString& text) override;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -60,7 +61,7 @@ private:
     bool breakRunning_ = false;
     QString warning_;
     // Null until the engine first writes them: the form keeps its designed captions until then.
-    QString lastMicropause_, exerciseStatus_, voluntaryStatus_, activitySource_;
+    QString lastMicropause_, exerciseStatus_, voluntaryStatus_, activitySource_, presenceStatus_;
     std::function<void()> afterUnload_;
 };
 

@@ -84,6 +84,9 @@ void frmTarvo::showVoluntaryStatus(const QString& text) {
 void frmTarvo::showActivitySource(const QString& text) {
     ui->lblActivity->setText(text);
 }
+void frmTarvo::showPresenceStatus(const QString& text) {
+    ui->lblPresence->setText(text);
+}
 void frmTarvo::showLastMicropause(const QString& text) {
     ui->lbltarvo->setText(text);
 }

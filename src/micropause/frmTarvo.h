@@ -49,6 +49,7 @@ public:
     void showExerciseStatus(const QString& text) override;
     void showVoluntaryStatus(const QString& text) override;
     void showActivitySource(const QString& text) override;
+    void showPresenceStatus(const QString& text) override;
 
 public slots:
     void cmdCancel_Click();

@@ -8,6 +8,7 @@
 #include "engine/SchemeStore.h"
 #include "options/DigitField.h"
 #include "options/SchemePage.h"
+#include "options/frmPresence.h"
 #include "settings/Options.h"
 #include "ui_frmSettings.h"
 
@@ -97,6 +98,13 @@ frmSettings::frmSettings(AppContext& ctx, BreakEngine& engine, Neighbours& neigh
     for (const auto& [button, index] : sounds)
         connect(button, &QPushButton::clicked, this,
                 [this, index = index] { neighbours_.chooseSound(index, this); });
+    // The presence options have a small dialog of their own, opened from the first page: a fourth tab
+    // would change the dialog's three pages (and Ctrl+Tab's round). "P" is no other access key there.
+    connect(ui->cmdPresence, &QPushButton::clicked, this, [this] {
+        auto* presence = new frmPresence(ctx_, engine_.presence(), this);
+        presence->setAttribute(Qt::WA_DeleteOnClose);
+        presence->open();
+    });
     ts_Click(0);
 }
 

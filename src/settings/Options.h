@@ -219,6 +219,35 @@ inline constexpr Option kOptions[] = {
      .commitRank = 12,
      .step = OptionStep::Monitor,
      .channel = 1},
+
+    // Presence, a section of its own. Apply of the three pages does not write it: its small dialog
+    // writes it when closed with OK.
+    {.section = "Presence",
+     .key = "LockPause",
+     .kind = OptionKind::YesNo,
+     .number = optionfield::number<&SettingsRecord::LockPause>,
+     .numberDefault = 1},
+    {.section = "Presence",
+     .key = "HoldFullScreen",
+     .kind = OptionKind::YesNo,
+     .number = optionfield::number<&SettingsRecord::HoldFullScreen>,
+     .numberDefault = 1},
+    {.section = "Presence",
+     .key = "HoldDoNotDisturb",
+     .kind = OptionKind::YesNo,
+     .number = optionfield::number<&SettingsRecord::HoldDoNotDisturb>,
+     .numberDefault = 1},
+    {.section = "Presence",
+     .key = "HoldInhibited",
+     .kind = OptionKind::YesNo,
+     .number = optionfield::number<&SettingsRecord::HoldInhibited>,
+     .numberDefault = 1},
+    {.section = "Presence",
+     .key = "HoldLimit",
+     .kind = OptionKind::Number,
+     .number = optionfield::number<&SettingsRecord::HoldLimit>,
+     .spinner = OptionRange{0, 999},
+     .clamp = OptionRange{0, 999}},
 };
 
 // The option with this key (keys are unique across sections). An unknown key does not compile.

@@ -32,6 +32,13 @@ struct SettingsRecord {
     std::int32_t Blank;
     QString Warning;
     std::array<std::int32_t, 2> Monitor; // 0: keyboard use, 1: mouse movement
+    // Presence: a locked screen counts as a pause; breaks wait while a full-screen window, the
+    // desktop's do-not-disturb or an idle inhibitor holds them, at most HoldLimit minutes (0: no limit).
+    std::int32_t LockPause;
+    std::int32_t HoldFullScreen;
+    std::int32_t HoldDoNotDisturb;
+    std::int32_t HoldInhibited;
+    std::int32_t HoldLimit;
 
     bool operator==(const SettingsRecord&) const = default;
 };

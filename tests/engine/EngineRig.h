@@ -27,7 +27,7 @@ struct EngineRig : FakeContext, tarvo::MainView, tarvo::ExerciseView, tarvo::War
     tarvo::SchedulerState& state = ctx.schedule;
     Bar bar;
     QStringList log, shows;
-    QString exerciseText, voluntaryText, lastText, sourceText;
+    QString exerciseText, voluntaryText, lastText, sourceText, presenceText;
     int voluntaryWrites = 0;
     tarvo::BreakEngine engine{ctx, *this, *this, *this};
     tarvo::ExerciseSequencer& exercise = engine.exercise();
@@ -39,8 +39,9 @@ struct EngineRig : FakeContext, tarvo::MainView, tarvo::ExerciseView, tarvo::War
         state.LastActivityTimes = {clock.tickCount(), clock.tickCount()};
     }
     // The user is busy on `channel` every second, or idle for channel -1.
-    void run(int minutes, int channel) {
-        for (int s = 0; s < minutes * 60; ++s) {
+    void run(int minutes, int channel) { runSeconds(minutes * 60, channel); }
+    void runSeconds(int seconds, int channel = 0) {
+        for (int s = 0; s < seconds; ++s) {
             timeline.advance(1000);
             if (channel >= 0)
                 monitor.input(channel, clock.tickCount());
@@ -52,6 +53,14 @@ struct EngineRig : FakeContext, tarvo::MainView, tarvo::ExerciseView, tarvo::War
         for (; state.InMicropause && ticks < 100000; ++ticks)
             timeline.advance(100);
         return ticks;
+    }
+    // The log's entries "<minute> <what>" whose first word is one of these, as "<minute> <word>".
+    QString entries(const QStringList& words) const {
+        QStringList kept;
+        for (const QString& e : log)
+            if (words.contains(e.section(' ', 1, 1)))
+                kept << e.section(' ', 0, 1);
+        return kept.join(", ");
     }
     void note(const QString& what) { log << QStringLiteral("%1 %2").arg(timeline.now() / 60000).arg(what); }
 
@@ -66,6 +75,7 @@ struct EngineRig : FakeContext, tarvo::MainView, tarvo::ExerciseView, tarvo::War
         ++voluntaryWrites;
     }
     void showActivitySource(const QString& t) override { sourceText = t; }
+    void showPresenceStatus(const QString& t) override { presenceText = t; }
     void AudibleWarningPre() override { note("pre"); }
     void AudibleWarning() override { note("warning"); }
     void AudibleWarningX() override { note("X"); }

@@ -14,15 +14,6 @@ using namespace tarvo;
 
 namespace {
 
-// The log's entries that start with one of the words.
-QString entries(const QStringList& log, const QStringList& words) {
-    QStringList kept;
-    for (const QString& e : log)
-        if (words.contains(e.section(' ', 1, 1)))
-            kept << e.section(' ', 0, 1);
-    return kept.join(", ");
-}
-
 // Exercises a (2 s), x (left out), b (3 s), c and d (2 s each): four included, six per break.
 void loadScheme(EngineRig& rig) {
     ExerciseTable& t = rig.ctx.exercises;
@@ -74,7 +65,7 @@ private slots:
             rig.engine.scheduler().SetTimers();
             rig.run(c.minutes, c.channel);
             // The calls, then the exercise countdown, which stands still while the prompt is up.
-            const QString got = entries(rig.log, {"X", "prompt", "pre", "micropause"}) +
+            const QString got = rig.entries({"X", "prompt", "pre", "micropause"}) +
                                 QStringLiteral(" | %1").arg(rig.state.MinutesToExercise);
             QCOMPARE(QLatin1String(c.name) + ": " + got.trimmed(), QLatin1String(c.name) + ": " + c.calls);
         }

@@ -3,7 +3,7 @@
 // fakes: LoadMeUp fills the controls from the record and greys the Esc box under the outside lock;
 // Ctrl+Tab wraps through the tabs; digit fields swallow what is not a digit; Apply shows its
 // corrections, tells the break screen and keeps a video size the list cannot show; OK hides after half
-// a second, Cancel at once.
+// a second, Cancel at once. The presence options' own dialog from the first page.
 #include "core/RuntimeError.h"
 #include "engine/EngineRig.h"
 #include "options/OptionFields.h"
@@ -144,6 +144,26 @@ private slots:
         form.LoadMeUp();
         QTest::keyClick(&form, Qt::Key_Escape);
         QVERIFY(!form.isVisible());
+    }
+
+    // The presence dialog from the first page: OK writes its section at once, and a full-screen window
+    // no longer holds breaks once its box is cleared.
+    void presenceDialog() {
+        EngineRig rig;
+        rig.engine.scheduler().SetTimers();
+        rig.presence.set(PresenceCondition::FullScreen, true);
+        Log neighbours(rig.store);
+        frmSettings form(rig.ctx, rig.engine, neighbours);
+        form.LoadMeUp();
+        QTest::mouseClick(form.findChild<QWidget*>("cmdPresence"), Qt::LeftButton);
+        auto* dialog = form.findChild<QDialog*>("frmPresence");
+        QVERIFY(dialog && dialog->isVisible() && dialog->findChild<QCheckBox*>("chkFullScreen")->isChecked());
+        dialog->findChild<QCheckBox*>("chkFullScreen")->setChecked(false);
+        dialog->findChild<QSpinBox*>("spnHoldLimit")->setValue(15);
+        QTest::mouseClick(dialog->findChild<QWidget*>("cmdOK"), Qt::LeftButton);
+        QCOMPARE(rig.store.model().value("Presence", "HoldFullScreen"), std::optional<QString>("0"));
+        QCOMPARE(rig.store.model().value("Presence", "HoldLimit"), std::optional<QString>("15"));
+        QCOMPARE(rig.presenceText, "");
     }
 };
 

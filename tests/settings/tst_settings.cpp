@@ -53,7 +53,8 @@ private slots:
         QCOMPARE(store.reads().join(' ').remove("Exercise/").remove("Micropause/"),
                  "Scheme EveryM AudibleX WarningSoundX BlankX ViewAm xStart NumAtaTime InterruptFor "
                  "InterruptEvery IntelliReset Audible WarningSound AudiblePre WarningSoundPre DisableEsc "
-                 "DisableEsc2 Blank Warning Monitor0 Monitor1");
+                 "DisableEsc2 Blank Warning Monitor0 Monitor1 Presence/LockPause Presence/HoldFullScreen "
+                 "Presence/HoldDoNotDisturb Presence/HoldInhibited Presence/HoldLimit");
         QVERIFY(store.reads().first().startsWith("Exercise/") && store.reads()[8].startsWith("Micropause/"));
         QCOMPARE(log.steps, (QStringList{"scheme *Medium break @1",
                                          "warning Hands off Keyboard && Mouse, look away, relax. @19",

@@ -3,6 +3,7 @@
 #include "engine/AppContext.h"
 #include "platform/fake/FakeActivityMonitor.h"
 #include "platform/fake/FakeClock.h"
+#include "platform/fake/FakePresenceMonitor.h"
 #include "platform/fake/ManualTimer.h"
 #include "platform/fake/MemoryRegistryStore.h"
 #include "platform/fake/RecordingMediaCommands.h"
@@ -25,7 +26,7 @@ struct FakeContext {
     explicit FakeContext(QString programFolder = QStringLiteral("/opt/tarvo"), const MonitorMaker& make = {})
         : madeMonitor(make ? make(clock) : nullptr)
         , ctx({store, clock, timeline, madeMonitor ? *madeMonitor : monitor, sound, messages, files, media,
-               random, windowFocus},
+               random, windowFocus, presence},
               std::move(programFolder)) {}
 
     tarvo::MemoryRegistryStore store;
@@ -38,6 +39,7 @@ struct FakeContext {
     tarvo::RecordingMediaCommands media;
     tarvo::ScriptedRandom random;
     tarvo::RecordingWindowFocus windowFocus;
+    tarvo::FakePresenceMonitor presence;
     std::unique_ptr<tarvo::ActivityMonitor> madeMonitor;
     tarvo::AppContext ctx;
 };

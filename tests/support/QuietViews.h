@@ -21,6 +21,7 @@ struct QuietViews : tarvo::MainView, tarvo::ExerciseView, tarvo::Warnings, tarvo
     void showExerciseStatus(const QString&) override {}
     void showVoluntaryStatus(const QString&) override {}
     void showActivitySource(const QString&) override {}
+    void showPresenceStatus(const QString&) override {}
     void AudibleWarningPre() override {}
     void AudibleWarning() override {}
     void AudibleWarningX() override {}

@@ -4,6 +4,7 @@
 
 #include <QSocketNotifier>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <sys/socket.h>
@@ -16,13 +17,13 @@ namespace tarvo {
 // Wayland's listeners are tables of plain functions, with the monitor as their data.
 struct ExtIdleNotifyMonitor::Listeners {
     static void global(void* data, wl_registry* registry, std::uint32_t name, const char* interface,
-                       std::uint32_t) {
+                       std::uint32_t version) {
         auto* monitor = static_cast<ExtIdleNotifyMonitor*>(data);
         if (!monitor->seat_ && std::strcmp(interface, wl_seat_interface.name) == 0)
             monitor->seat_ = static_cast<wl_seat*>(wl_registry_bind(registry, name, &wl_seat_interface, 1));
         else if (!monitor->notifier_ && std::strcmp(interface, ext_idle_notifier_v1_interface.name) == 0)
             monitor->notifier_ = static_cast<ext_idle_notifier_v1*>(
-                wl_registry_bind(registry, name, &ext_idle_notifier_v1_interface, 1));
+                wl_registry_bind(registry, name, &ext_idle_notifier_v1_interface, std::min(version, 2u)));
     }
     static void globalRemove(void*, wl_registry*, std::uint32_t) {}
     static void idled(void* data, ext_idle_notification_v1*) {
@@ -108,7 +109,11 @@ QString ExtIdleNotifyMonitor::lostReason() const {
 void ExtIdleNotifyMonitor::startWatching() {
     if (lost_)
         return;
-    notification_ = ext_idle_notifier_v1_get_idle_notification(notifier_, kIdleAfter, seat_);
+    // Version 2's input-idle notification sees the user's input alone: with version 1 a film's idle
+    // inhibitor keeps the user from ever going idle, and a natural pause in front of it is never seen.
+    notification_ = ext_idle_notifier_v1_get_version(notifier_) >= 2
+                        ? ext_idle_notifier_v1_get_input_idle_notification(notifier_, kIdleAfter, seat_)
+                        : ext_idle_notifier_v1_get_idle_notification(notifier_, kIdleAfter, seat_);
     ext_idle_notification_v1_add_listener(notification_, &Listeners::notification, this);
     flush();
 }

@@ -17,7 +17,8 @@ struct wl_seat;
 namespace tarvo {
 
 // Activity from the Wayland compositor's idle notification (ext-idle-notify-v1, offered by wlroots
-// compositors and others): one notification object of kIdleAfter ms, whose "idled" and "resumed"
+// compositors and others): one notification object of kIdleAfter ms (the input-idle kind where the
+// compositor offers version 2, which idle inhibitors do not hold back), whose "idled" and "resumed"
 // events are exactly IdleNotificationMonitor's two notifications. While the user works or is away
 // nothing arrives; a pause of kIdleAfter or more costs one event each way.
 //

@@ -2,6 +2,7 @@
 
 #include "platform/linux/ActivityMonitorFactory.h"
 #include "platform/linux/CanberraSoundPlayer.h"
+#include "platform/linux/DesktopPresence.h"
 #include "platform/linux/FileRegistryStore.h"
 #include "platform/linux/LocalSingleInstance.h"
 #include "platform/linux/MciMediaCommands.h"
@@ -15,6 +16,10 @@
 #include "platform/linux/X11WindowFocus.h"
 #include "platform/linux/XkbStateFollower.h"
 
+#include <QDBusConnection>
+#include <QGuiApplication>
+
+#include <cstdio>
 #include <malloc.h>
 
 namespace tarvo {
@@ -46,10 +51,14 @@ struct LinuxPlatform::Seams {
     SystemRandom random;
     X11WindowFocus windowFocus;
     std::unique_ptr<XkbStateFollower> keyboardState = XkbStateFollower::attach();
+    DesktopPresence presence{QDBusConnection::sessionBus(), QDBusConnection::systemBus(), QByteArray(),
+                             QGuiApplication::platformName() == QLatin1String("xcb")};
 };
 
 LinuxPlatform::LinuxPlatform()
-    : seams_(std::make_unique<Seams>()) {}
+    : seams_(std::make_unique<Seams>()) {
+    std::fprintf(stderr, "%s\n", qPrintable(seams_->presence.report()));
+}
 
 LinuxPlatform::~LinuxPlatform() = default;
 
@@ -91,6 +100,9 @@ RandomSource& LinuxPlatform::random() {
 }
 WindowFocus& LinuxPlatform::windowFocus() {
     return seams_->windowFocus;
+}
+PresenceMonitor& LinuxPlatform::presence() {
+    return seams_->presence;
 }
 
 } // namespace tarvo

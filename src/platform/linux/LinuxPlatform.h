@@ -14,6 +14,7 @@ class Clock;
 class FileDialog;
 class MediaCommands;
 class MessageBox;
+class PresenceMonitor;
 class ProcessRunner;
 class RandomSource;
 class WindowFocus;
@@ -62,6 +63,7 @@ public:
     MediaCommands& media();
     RandomSource& random();
     WindowFocus& windowFocus();
+    PresenceMonitor& presence();
 
 private:
     struct Seams;

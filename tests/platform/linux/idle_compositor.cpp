@@ -1,7 +1,8 @@
 // A Wayland compositor that offers nothing but a seat and the idle notification (ext-idle-notify-v1),
 // for the tests of the activity monitor that listens to it. It listens on the socket named by its
 // argument in $XDG_RUNTIME_DIR and says "ready" once it does. The test plays the user on its standard
-// input, one command a line, and after each it answers "<events sent so far> <notification objects>":
+// input, one command a line, and after each it answers "<events sent so far> <notification objects>
+// <input-idle notifications asked for>" (the kind of version 2, which it offers):
 //   input       the user does something: idle notifications resume, and their timeouts start afresh
 //   idle <ms>   the user does nothing for so long: notifications whose timeout is reached go idle
 // As the protocol has it, a new notification object is not idle, and its timeout runs from its creation.
@@ -43,7 +44,16 @@ void getIdleNotification(wl_client* client, wl_resource* notifier, std::uint32_t
     });
 }
 
-const struct ext_idle_notifier_v1_interface notifierRequests = {destroyResource, getIdleNotification};
+// Version 2's kind, which follows the input alone; counted for the test.
+int inputIdle = 0;
+void getInputIdleNotification(wl_client* client, wl_resource* notifier, std::uint32_t id,
+                              std::uint32_t timeout, wl_resource* seat) {
+    ++inputIdle;
+    getIdleNotification(client, notifier, id, timeout, seat);
+}
+
+const struct ext_idle_notifier_v1_interface notifierRequests = {destroyResource, getIdleNotification,
+                                                                getInputIdleNotification};
 // The seat has no devices; it is there to name in get_idle_notification.
 void noDevice(wl_client*, wl_resource*, std::uint32_t) {}
 const struct wl_seat_interface seatRequests = {noDevice, noDevice, noDevice, destroyResource};
@@ -81,7 +91,7 @@ int readCommand(int, std::uint32_t, void* display) {
         }
     }
     wl_display_flush_clients(static_cast<wl_display*>(display));
-    std::printf("%d %zu\n", sent, notifications.size());
+    std::printf("%d %zu %d\n", sent, notifications.size(), inputIdle);
     std::fflush(stdout);
     return 0;
 }
@@ -93,7 +103,7 @@ int main(int argc, char** argv) {
     if (argc != 2 || !display || wl_display_add_socket(display, argv[1]) != 0)
         return 1;
     wl_global_create(display, &wl_seat_interface, 1, const_cast<Global*>(&seat), bind);
-    wl_global_create(display, &ext_idle_notifier_v1_interface, 1, const_cast<Global*>(&notifier), bind);
+    wl_global_create(display, &ext_idle_notifier_v1_interface, 2, const_cast<Global*>(&notifier), bind);
     wl_event_loop_add_fd(wl_display_get_event_loop(display), STDIN_FILENO, WL_EVENT_READABLE, readCommand,
                          display);
     std::puts("ready");

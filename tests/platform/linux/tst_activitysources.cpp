@@ -51,13 +51,13 @@ private:
         return compositor_.waitForReadyRead(10000) && compositor_.readLine().trimmed() == "ready";
     }
     // Plays the user to the stand-in compositor ("input", or "idle <ms>"); its answer: the events it
-    // has sent so far and the notification objects in place.
+    // has sent so far, the notification objects in place, and the input-idle ones asked for.
     QList<int> tellCompositor(const QByteArray& command) {
         compositor_.write(command + '\n');
         while (!compositor_.canReadLine() && compositor_.waitForReadyRead(10000)) {
         }
         const QList<QByteArray> words = compositor_.readLine().trimmed().split(' ');
-        return {words.value(0).toInt(), words.value(1).toInt()};
+        return {words.value(0).toInt(), words.value(1).toInt(), words.value(2).toInt()};
     }
 
 private slots:
@@ -142,6 +142,7 @@ private slots:
         }
         QTRY_COMPARE(mutter_->watches(true), 1);
         QTRY_COMPARE(tellCompositor("idle 0").value(1), 1);
+        QCOMPARE(tellCompositor("idle 0").value(2), 1); // version 2: input alone, not idle inhibitors
         int sent = 0;
         const auto tell = [&](int idleMs) { // 0: input
             idleMs ? mutter_->idleFor(quint64(idleMs)) : mutter_->input();
