@@ -216,9 +216,12 @@ private slots:
     void theSessionDecidesTheSource() {
         FakeClock clock;
         const QString x11 = "Natural pauses are detected from the keyboard and mouse of the X11 display.";
-        const QString compositor = "Natural pauses are detected through the compositor's idle notification.";
+        const QString compositor =
+            "Natural pauses are detected through the compositor's idle notification (ext-idle-notify-v1).";
         const QString gnome = "Natural pauses are detected through GNOME's idle monitor.";
         const QString none = "Natural pauses are not detected here: ";
+        const QString noIdleProtocol = none + "this is a Wayland session whose compositor offers neither "
+                                              "ext-idle-notify-v1 nor GNOME's idle monitor";
         struct {
             const char* platform;
             QByteArray display;
@@ -232,8 +235,8 @@ private slots:
             {"xcb", xvfb_.display(), "wayland-0", true, gnome},
             {"xcb", QByteArray(), "", false, none + "there is no X11 display (DISPLAY is not set)."},
             {"xcb", xvfb_.display(), "wayland-0", false,
-             none + "this is a Wayland session (its X11 server sees only input to X11 windows)."},
-            {"wayland", xvfb_.display(), "", false, none + "this is a Wayland session."},
+             noIdleProtocol + " (and its X11 server sees only input to X11 windows)."},
+            {"wayland", xvfb_.display(), "", false, noIdleProtocol + "."},
             {"xcb", ":4077", "", false, none + "cannot connect to the X11 display \":4077\"."},
             {"offscreen", xvfb_.display(), "", false,
              none + "the program is not running on an X11 display (Qt platform \"offscreen\")."},
