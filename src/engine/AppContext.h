@@ -19,7 +19,7 @@ class RandomSource;
 class RegistryStore;
 class SoundPlayer;
 class TimerFactory;
-class WindowFocus;
+class WindowSession;
 
 // The operating-system seams that the engine and the forms use. (Those that only start-up and the tray
 // use stay with the shell.)
@@ -33,7 +33,7 @@ struct Seams {
     FileDialog& files;
     MediaCommands& media;
     RandomSource& random;
-    WindowFocus& windowFocus;
+    WindowSession& windowSession;
     PresenceMonitor& presence;
 };
 

@@ -1,6 +1,6 @@
 #include "exercise/frmChkExercise.h"
 
-#include "core/WindowFocus.h"
+#include "core/WindowSession.h"
 #include "engine/ExerciseSequencer.h"
 #include "ui_frmChkExercise.h"
 
@@ -19,7 +19,7 @@ constexpr int kLeastMinutes = 1;
 constexpr int kMostMinutes = 120;
 } // namespace
 
-frmChkExercise::frmChkExercise(ExerciseSequencer& sequencer, WindowFocus& focus, QWidget* parent)
+frmChkExercise::frmChkExercise(ExerciseSequencer& sequencer, WindowSession& session, QWidget* parent)
     : QWidget(parent, Qt::Window | Qt::WindowStaysOnTopHint)
     , ui(std::make_unique<Ui::frmChkExercise>())
     , sequencer_(sequencer) {
@@ -29,9 +29,9 @@ frmChkExercise::frmChkExercise(ExerciseSequencer& sequencer, WindowFocus& focus,
     // manager gives every new window the keyboard (sway), the prompt takes none at all until the user
     // clicks into it.
     setAttribute(Qt::WA_ShowWithoutActivating);
-    if (focus.needed()) {
+    if (session.wayland()) {
         setWindowFlag(Qt::WindowDoesNotAcceptFocus);
-        focus.offerNoFocus(*this);
+        session.offerNoFocus(*this);
     }
     for (QWidget* child : findChildren<QWidget*>())
         child->installEventFilter(this);

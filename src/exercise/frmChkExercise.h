@@ -13,7 +13,7 @@ QT_END_NAMESPACE
 namespace tarvo {
 
 class ExerciseSequencer;
-class WindowFocus;
+class WindowSession;
 
 // "Exercise...": the prompt that offers an exercise break when its minutes have run out. It comes up
 // above every other window but leaves the keyboard where the user is typing; "&Exercise Now..." starts
@@ -24,7 +24,7 @@ class frmChkExercise : public QWidget {
     Q_OBJECT
 
 public:
-    frmChkExercise(ExerciseSequencer& sequencer, WindowFocus& focus, QWidget* parent = nullptr);
+    frmChkExercise(ExerciseSequencer& sequencer, WindowSession& session, QWidget* parent = nullptr);
     ~frmChkExercise() override;
 
 private slots:

@@ -118,7 +118,7 @@ int runTarvo(int& argc, char** argv) {
     try {
         AppContext ctx({platform.store(), platform.clock(), platform.timers(), platform.monitor(),
                         platform.sound(), platform.messages(), platform.files(), platform.media(),
-                        platform.random(), platform.windowFocus(), platform.presence()},
+                        platform.random(), platform.windowSession(), platform.presence()},
                        platform.programFolder());
         const QIcon icon = programIcon();
         QApplication::setWindowIcon(icon); // every window of the program carries it

@@ -1,61 +1,138 @@
 # Shared by the Wayland end-to-end scripts (sourced after lib.sh): the compositor runs as an ordinary
-# user, the user's work is a native Wayland window, and the program is left to choose its own platform.
+# user, the user's work is a native Wayland window, the program chooses its own platform, and the same
+# breaks are brought in every compositor. A script gives what only its compositor can tell:
+#   start_session           the compositor with two outputs of 1280x800 side by side, and XWayland
+#   key <keysym>            a key to whatever has the compositor's keyboard focus
+#   focus <window>          the keyboard to an X11 window; to_work: to the user's work
+#   picture <window>        a fingerprint of what is seen of a window
+#   covered <output>        the output (0 or 1) is covered by the program
+#   on_top <window>         the window is above the user's work
+#   has_keyboard <window>   the compositor gives the window the keyboard
+#   keeps_keyboard <window> the window did not take the keyboard from the user's work
+#   screenshot <name>       keeps what is seen in $shots
 
 # Run as root, the script runs itself again as an unprivileged user (compositors such as sway refuse
-# root), on a session bus of that user's own, and brings its screenshots back to the given folder.
+# root), on a session bus of that user's own, who may write the screenshots.
 as_ordinary_user() { # <script> <program folder> <screenshot folder> <test folder>
     [ "$(id -u)" = 0 ] || return 0
-    local user=tarvo-e2e out rc=0
-    id "$user" >/dev/null 2>&1 || useradd --system --no-create-home --shell /usr/sbin/nologin "$user" ||
-        { echo "FAIL: could not create the user $user"; exit 1; }
-    out=$(mktemp -d)
-    chown "$user" "$out"
-    setpriv --reuid="$user" --regid="$user" --init-groups env -u DBUS_SESSION_BUS_ADDRESS -u XDG_RUNTIME_DIR \
-        dbus-run-session -- "$1" "$2" "$out" "$4" || rc=$?
-    mkdir -p "$3"
-    cp "$out"/*.png "$3"/ 2>/dev/null || true
-    rm -rf "$out"
-    exit "$rc"
+    id tarvo-e2e >/dev/null 2>&1 || useradd --system --no-create-home --shell /usr/sbin/nologin tarvo-e2e
+    mkdir -p "$3" && chown -R tarvo-e2e "$3" && rm -rf "$work"
+    exec setpriv --reuid=tarvo-e2e --regid=tarvo-e2e --init-groups env -u DBUS_SESSION_BUS_ADDRESS \
+        -u XDG_RUNTIME_DIR dbus-run-session -- "$@"
 }
+unset QT_QPA_PLATFORM WAYLAND_DISPLAY DISPLAY SWAYSOCK
 
-# The program chooses: a Wayland session that offers X11.
-unset QT_QPA_PLATFORM
-
-# The user's work: a native Wayland window ($busy_out gets what is typed into it).
-start_work_window() { # <test folder>
-    busy_out=$work/busy.out
-    env -u DISPLAY "$1/work_window" -platform wayland >"$busy_out" 2>"$work/busy.err" &
-    pids+=($!)
-    wait_for 100 grep -q '^shown$' "$busy_out" || fail "the native window of the user's work did not show"
-}
-
-# Types into whatever has the compositor's keyboard focus; the first key of a fresh virtual keyboard
-# can be lost while its keymap travels, so a Shift goes first.
-type_keys() { wtype -k Shift_L -- "$@"; }
-press_key() { wtype -k Shift_L -k "$1"; }
-# The user's window has the keyboard: what is typed now arrives there.
-busy_has_keyboard() { type_keys "$1" && wait_for 10 grep -q "$1\$" "$busy_out"; } # <word>
-
-# A failure leaves what the screen showed then, where the session can show it.
-shoot_screen() { return 1; } # <file>
 fail() {
     echo "FAIL: $*"
-    shoot_screen "$shots/$(basename "$0" .sh)-failure.png" 2>/dev/null || true
+    screenshot failure 2>/dev/null || true
     [ -s "$work/tarvo.err" ] && sed 's/^/  tarvo: /' "$work/tarvo.err"
     exit 1
 }
-trap 'fail "$BASH_COMMAND failed (line $LINENO)"' ERR # a failure is never silent
-restart() { "$bin/tarvo" shutdown && wait "$tarvo" || true; start_tarvo "$@"; } # [<.reg lines>...]
-# The same with the built-in exercise schemes imported while no instance runs.
-restart_with_schemes() {
-    "$bin/tarvo" shutdown && wait "$tarvo" || true
-    "$bin/regedit" /s "$bin/tarvo32.reg" || fail "regedit could not import the schemes"
-    start_tarvo "$@"
+set -E # a failure is never silent, in a function either
+trap 'fail "$BASH_COMMAND failed (line $LINENO)"' ERR
+
+windows() { xdotool search --onlyvisible --pid "$tarvo" 2>/dev/null | sort; }
+# The break: the program's window that is wider than its menu and its stand-in window.
+break_window() {
+    local w
+    for w in $(windows); do
+        eval "$(xdotool getwindowgeometry --shell "$w")"
+        ((WIDTH >= 300)) && echo "$w" && return 0
+    done
+    return 1
 }
-# Esc asks whether to quit the exercise break, and Return says yes (keys sent with the given command).
-quit_player() { # <command that sends one key>
-    "$1" Escape
+no_break() { ! break_window; }
+video_window() { xdotool search --onlyvisible --pid "$(pgrep -n -u "$(id -u)" tarvovideo)" 2>/dev/null | head -n 1; }
+video_plays() { local first; first=$(picture "$(video_window)") && sleep 1 && [ "$(picture "$(video_window)")" != "$first" ]; }
+
+# The user opens the menu of the stand-in window (there is no tray in these sessions) with a second
+# start, and picks an item by its access key. The menu takes the keyboard only once the compositor
+# has given it to XWayland: a key sent before is lost, and is sent again while the menu is up.
+stand_in_menu() { # <key>
+    local before try menu
+    focus "$(windows | head -n 1)"
+    before=$(windows)
+    "$bin/tarvo" &
+    pids+=($!)
+    wait_for 50 sh -c "[ \"\$(xdotool search --onlyvisible --pid $tarvo | sort)\" != '$before' ]" ||
+        fail "a second start showed no menu"
+    menu=$(comm -13 <(echo "$before") <(windows) | head -n 1)
+    for try in 1 2 3 4 5; do
+        key "$1"
+        wait_for 10 sh -c "! xdotool search --onlyvisible --pid $tarvo | grep -qx $menu" && return 0
+    done
+    fail "the menu did not take the key $1"
+}
+restart() { "$bin/tarvo" shutdown && wait "$tarvo" || true; start_tarvo "$@"; } # [<.reg lines>...]
+# Esc asks whether to quit the exercise break, and Return says yes.
+covers_both() { # <what>
+    wait_for 50 covered 0 || fail "$1 does not cover the first output"
+    wait_for 50 covered 1 || fail "$1 does not cover the second output"
+}
+player_plays() { # <what>
+    stand_in_menu e
+    wait_for 100 video_window || fail "no video appeared in $1"
+    wait_for 50 video_plays || fail "the video does not play in $1"
+}
+quit_player() {
+    key Escape
     wait_for 50 visible_window '^Tarvo Exercise Break$' || fail "Esc did not ask whether to quit"
-    "$1" Return
+    key Return
     wait_for 50 sh -c "! xdotool search --onlyvisible --name '\([0-9]+\)\$'" || fail "Yes did not end the exercise break"
+}
+
+# The breaks, as the user sees them through the compositor. <idle source>: "none" where the
+# compositor offers no idle protocol, and the program must say so by name.
+run_breaks() { # <test folder> <idle source>
+    env -u DISPLAY "$1/work_window" -platform wayland >"$work/busy.out" 2>"$work/busy.err" &
+    pids+=($!)
+    wait_for 100 grep -q '^shown$' "$work/busy.out" || fail "the native window of the user's work did not show"
+    "$bin/regedit" /s "$bin/tarvo32.reg" || fail "regedit could not import the exercise schemes"
+    start_tarvo "[Options]" '"Initialised"="1"' "[Micropause]" '"InterruptFor"="6"' '"Blank"="1"'
+    wait_for 50 sh -c "xdotool search --onlyvisible --pid $tarvo | grep -q ." ||
+        fail "the program did not choose XWayland in a session that offers it"
+    if [ "$2" = none ]; then
+        wait_for 30 grep -q "offers neither ext-idle-notify-v1 nor GNOME's idle monitor" "$work/tarvo.err" ||
+            fail "the program does not say which idle protocol the compositor lacks"
+    else
+        ! grep -q "cannot be detected" "$work/tarvo.err" || fail "natural pauses are not seen through $2"
+    fi
+    echo "ok - the program chose XWayland; natural pauses: $2"
+
+    stand_in_menu m
+    wait_for 50 break_window || fail "\"Micropause Now!\" showed no break"
+    covers_both "the blanked micropause"
+    wait_for 30 has_keyboard "$(break_window)" || fail "the break does not have the keyboard"
+    screenshot break
+    key Escape
+    wait_for 30 no_break || fail "Esc did not end the break"
+    restart "[Micropause]" '"Blank"="0"' "[Exercise]" '"EveryM"="1"' '"AudibleX"="0"' '"BlankX"="0"'
+    stand_in_menu m
+    wait_for 50 break_window || fail "\"Micropause Now!\" showed no break at its own size"
+    wait_for 30 on_top "$(break_window)" || fail "the micropause at its own size is not above the user's work"
+    screenshot break-unblanked
+    wait_for 100 no_break || fail "the micropause at its own size did not end"
+    echo "ok - a micropause covers both outputs with the keyboard, Esc ends it, and unblanked it is on top"
+
+    player_plays "the player"
+    screenshot player
+    quit_player
+    to_work
+    wait_for 900 visible_window '^Exercise\.\.\.$' || fail "the exercise prompt did not come a minute after the break"
+    local prompt
+    prompt=$(xdotool search --onlyvisible --name '^Exercise\.\.\.$' | head -n 1)
+    keeps_keyboard "$prompt" || fail "the prompt took the keyboard"
+    wait_for 30 on_top "$prompt" || fail "the prompt is not above the user's work"
+    screenshot prompt
+    echo "ok - the player shows its video, and the prompt comes on top without taking the keyboard"
+
+    restart "[Exercise]" '"BlankX"="1"'
+    player_plays "the blanked player"
+    covers_both "the blanked player"
+    screenshot player-blanked
+    quit_player
+    echo "ok - the blanked player shows its video and covers both outputs"
+    "$bin/tarvo" shutdown
+    wait "$tarvo" || true
+    echo "4 passed, 0 failed"
 }

@@ -13,7 +13,7 @@
 #include "platform/linux/QtTrayIcon.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/SystemRandom.h"
-#include "platform/linux/X11WindowFocus.h"
+#include "platform/linux/X11WindowSession.h"
 #include "platform/linux/XkbStateFollower.h"
 
 #include <QDBusConnection>
@@ -49,7 +49,7 @@ struct LinuxPlatform::Seams {
     QtFileDialog files;
     MciMediaCommands media{folder + QStringLiteral("/tarvovideo")};
     SystemRandom random;
-    X11WindowFocus windowFocus;
+    X11WindowSession windowSession;
     std::unique_ptr<XkbStateFollower> keyboardState = XkbStateFollower::attach();
     DesktopPresence presence{QDBusConnection::sessionBus(), QDBusConnection::systemBus(), QByteArray(),
                              QGuiApplication::platformName() == QLatin1String("xcb")};
@@ -98,8 +98,8 @@ MediaCommands& LinuxPlatform::media() {
 RandomSource& LinuxPlatform::random() {
     return seams_->random;
 }
-WindowFocus& LinuxPlatform::windowFocus() {
-    return seams_->windowFocus;
+WindowSession& LinuxPlatform::windowSession() {
+    return seams_->windowSession;
 }
 PresenceMonitor& LinuxPlatform::presence() {
     return seams_->presence;

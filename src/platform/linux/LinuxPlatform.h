@@ -17,7 +17,7 @@ class MessageBox;
 class PresenceMonitor;
 class ProcessRunner;
 class RandomSource;
-class WindowFocus;
+class WindowSession;
 class RegistryStore;
 class SingleInstance;
 class SoundPlayer;
@@ -62,7 +62,7 @@ public:
     FileDialog& files();
     MediaCommands& media();
     RandomSource& random();
-    WindowFocus& windowFocus();
+    WindowSession& windowSession();
     PresenceMonitor& presence();
 
 private:

@@ -1,4 +1,4 @@
-#include "platform/linux/X11WindowFocus.h"
+#include "platform/linux/X11WindowSession.h"
 
 #include <QGuiApplication>
 #include <QWidget>
@@ -22,13 +22,13 @@ xcb_atom_t atom(xcb_connection_t* connection, const char* name) {
 
 } // namespace
 
-bool X11WindowFocus::needed() const {
+bool X11WindowSession::wayland() const {
     return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
            qEnvironmentVariable("XDG_SESSION_TYPE").compare(QLatin1String("wayland"), Qt::CaseInsensitive) ==
                0;
 }
 
-void X11WindowFocus::offerNoFocus(QWidget& window) {
+void X11WindowSession::offerNoFocus(QWidget& window) {
     auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     if (!x11)
         return;
