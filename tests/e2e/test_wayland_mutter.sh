@@ -14,21 +14,11 @@ as_ordinary_user "$here/$(basename "$0")" "$@"
 bin=$1
 shots=$2
 
-mutter --headless --wayland --wayland-display=tarvo-wayland --virtual-monitor 1280x800 \
-    --virtual-monitor 1280x800 >"$work/mutter.log" 2>&1 &
-mutter=$!
-pids+=("$mutter")
-# XWayland's display and authority, from its command line.
-xwayland_up() {
-    local a
-    test -S "$XDG_RUNTIME_DIR/tarvo-wayland" || return 1
-    read -ra xwayland < <(tr '\0' ' ' <"/proc/$(pgrep -n -P "$mutter" Xwayland)/cmdline") || true # no newline at its end
-    [ "${xwayland[1]:-}" ] || return 1
-    export WAYLAND_DISPLAY=tarvo-wayland DISPLAY=${xwayland[1]}
-    for ((a = 0; a < ${#xwayland[@]}; a++)); do [ "${xwayland[a]}" = -auth ] && export XAUTHORITY=${xwayland[a + 1]}; done
-    xdpyinfo
-}
-wait_for 200 xwayland_up || fail "mutter did not start with XWayland ($(tail -n 3 "$work/mutter.log"))"
+# Mutter ends with the command it runs in its session, which lives as long as mutter.
+mutter --headless --wayland --virtual-monitor 1280x800 --virtual-monitor 1280x800 \
+    -- sh -c "env >$work/session.env; exec tail --pid=\$PPID -f /dev/null" >"$work/mutter.log" 2>&1 &
+pids+=($!)
+join_session mutter
 
 key() { xdotool key "$1"; }
 focus() { xdotool windowactivate --sync "$1"; }

@@ -22,9 +22,7 @@ CONFIG
 WLR_BACKENDS=headless WLR_HEADLESS_OUTPUTS=2 WLR_RENDERER=pixman WLR_LIBINPUT_NO_DEVICES=1 \
     sway -c "$work/sway.config" >"$work/sway.log" 2>&1 &
 pids+=($!)
-wait_for 200 grep -q '^DISPLAY=' "$work/session.env" || fail "sway did not start ($(tail -n 3 "$work/sway.log"))"
-eval "export $(grep -E '^(WAYLAND_DISPLAY|DISPLAY|SWAYSOCK)=' "$work/session.env" | tr '\n' ' ')"
-wait_for 100 xdpyinfo || fail "XWayland did not start"
+join_session sway
 
 # The first key of a fresh virtual keyboard can be lost while its keymap travels: a Shift goes first.
 key() { wtype -k Shift_L -k "$1"; }

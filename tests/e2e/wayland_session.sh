@@ -1,7 +1,7 @@
 # Shared by the Wayland end-to-end scripts (sourced after lib.sh): the compositor runs as an ordinary
 # user, the user's work is a native Wayland window, the program chooses its own platform, and the same
 # breaks are brought in every compositor. A script gives what only its compositor can tell:
-#   start_session           the compositor with two outputs of 1280x800 side by side, and XWayland
+#   (first)                 the compositor, two outputs of 1280x800 side by side, XWayland; join_session
 #   key <keysym>            a key to whatever has the compositor's keyboard focus
 #   focus <window>          the keyboard to an X11 window; to_work: to the user's work
 #   picture <window>        a fingerprint of what is seen of a window
@@ -20,16 +20,16 @@ as_ordinary_user() { # <script> <program folder> <screenshot folder> <test folde
     exec setpriv --reuid=tarvo-e2e --regid=tarvo-e2e --init-groups env -u DBUS_SESSION_BUS_ADDRESS \
         -u XDG_RUNTIME_DIR dbus-run-session -- "$@"
 }
-unset QT_QPA_PLATFORM WAYLAND_DISPLAY DISPLAY SWAYSOCK
-
-fail() {
-    echo "FAIL: $*"
-    screenshot failure 2>/dev/null || true
-    [ -s "$work/tarvo.err" ] && sed 's/^/  tarvo: /' "$work/tarvo.err"
-    exit 1
+unset QT_QPA_PLATFORM WAYLAND_DISPLAY DISPLAY SWAYSOCK XAUTHORITY
+# The session's displays, from the environment the compositor gave a command it started, which wrote
+# it to $work/session.env.
+join_session() { # <compositor>
+    wait_for 200 grep -q '^DISPLAY=' "$work/session.env" || fail "$1 did not start ($(tail -n 3 "$work/$1.log"))"
+    eval "export $(grep -E '^(WAYLAND_DISPLAY|DISPLAY|SWAYSOCK|XAUTHORITY)=' "$work/session.env" | tr '\n' ' ')"
+    wait_for 100 xdpyinfo || fail "XWayland did not start"
 }
-set -E # a failure is never silent, in a function either
-trap 'fail "$BASH_COMMAND failed (line $LINENO)"' ERR
+
+set -E # a command that stops the script is named, in a function too
 
 windows() { xdotool search --onlyvisible --pid "$tarvo" 2>/dev/null | sort; }
 # The break: the program's window that is wider than its menu and its stand-in window.
@@ -119,7 +119,6 @@ run_breaks() { # <test folder> <idle source>
     quit_player
     to_work
     wait_for 900 visible_window '^Exercise\.\.\.$' || fail "the exercise prompt did not come a minute after the break"
-    local prompt
     prompt=$(xdotool search --onlyvisible --name '^Exercise\.\.\.$' | head -n 1)
     keeps_keyboard "$prompt" || fail "the prompt took the keyboard"
     wait_for 30 on_top "$prompt" || fail "the prompt is not above the user's work"
