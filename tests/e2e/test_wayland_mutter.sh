@@ -11,8 +11,6 @@ here=$(cd "$(dirname "$0")" && pwd)
 . "$here/wayland_session.sh"
 needs mutter Xwayland xdotool xprop xwininfo xdpyinfo gst-launch-1.0 setpriv
 as_ordinary_user "$here/$(basename "$0")" "$@"
-bin=$1
-shots=$2
 
 # Mutter ends with the command it runs in its session, which lives as long as mutter.
 mutter --headless --wayland --virtual-monitor 1280x800 --virtual-monitor 1280x800 \
@@ -33,4 +31,4 @@ has_keyboard() { [ "$(xdotool getwindowfocus)" = "$1" ]; }
 keeps_keyboard() { ! has_keyboard "$1"; }
 screenshot() { shoot "$(top_window)" "$shots/mutter-$1.png"; }
 
-run_breaks "$3" "GNOME's idle monitor"
+run_breaks "GNOME's idle monitor"

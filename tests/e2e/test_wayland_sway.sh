@@ -10,8 +10,6 @@ here=$(cd "$(dirname "$0")" && pwd)
 . "$here/wayland_session.sh"
 needs sway swaymsg grim wtype jq Xwayland xdotool xdpyinfo setpriv
 as_ordinary_user "$here/$(basename "$0")" "$@"
-bin=$1
-shots=$2
 
 cat >"$work/sway.config" <<CONFIG
 xwayland force
@@ -47,4 +45,4 @@ screenshot() { grim "$shots/sway-$1.png"; }
 
 # Sway offers ext-idle-notify-v1 from 1.8 on.
 case "$(sway --version)" in *" 1.7"* | *" 1.6"*) idle=none ;; *) idle=ext-idle-notify-v1 ;; esac
-run_breaks "$3" "$idle"
+run_breaks "$idle"

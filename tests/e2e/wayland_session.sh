@@ -14,6 +14,7 @@
 # Run as root, the script runs itself again as an unprivileged user (compositors such as sway refuse
 # root), on a session bus of that user's own, who may write the screenshots.
 as_ordinary_user() { # <script> <program folder> <screenshot folder> <test folder>
+    bin=$2 shots=$3 tests=$4
     [ "$(id -u)" = 0 ] || return 0
     id tarvo-e2e >/dev/null 2>&1 || useradd --system --no-create-home --shell /usr/sbin/nologin tarvo-e2e
     mkdir -p "$3" && chown -R tarvo-e2e "$3" && rm -rf "$work"
@@ -65,15 +66,6 @@ stand_in_menu() { # <key>
 }
 restart() { "$bin/tarvo" shutdown && wait "$tarvo" || true; start_tarvo "$@"; } # [<.reg lines>...]
 # Esc asks whether to quit the exercise break, and Return says yes.
-covers_both() { # <what>
-    wait_for 50 covered 0 || fail "$1 does not cover the first output"
-    wait_for 50 covered 1 || fail "$1 does not cover the second output"
-}
-player_plays() { # <what>
-    stand_in_menu e
-    wait_for 100 video_window || fail "no video appeared in $1"
-    wait_for 50 video_plays || fail "the video does not play in $1"
-}
 quit_player() {
     key Escape
     wait_for 50 visible_window '^Tarvo Exercise Break$' || fail "Esc did not ask whether to quit"
@@ -83,25 +75,24 @@ quit_player() {
 
 # The breaks, as the user sees them through the compositor. <idle source>: "none" where the
 # compositor offers no idle protocol, and the program must say so by name.
-run_breaks() { # <test folder> <idle source>
-    env -u DISPLAY "$1/work_window" -platform wayland >"$work/busy.out" 2>"$work/busy.err" &
+run_breaks() { # <idle source>
+    env -u DISPLAY "$tests/work_window" -platform wayland >"$work/busy.out" 2>"$work/busy.err" &
     pids+=($!)
     wait_for 100 grep -q '^shown$' "$work/busy.out" || fail "the native window of the user's work did not show"
     "$bin/regedit" /s "$bin/tarvo32.reg" || fail "regedit could not import the exercise schemes"
     start_tarvo "[Options]" '"Initialised"="1"' "[Micropause]" '"InterruptFor"="6"' '"Blank"="1"'
-    wait_for 50 sh -c "xdotool search --onlyvisible --pid $tarvo | grep -q ." ||
-        fail "the program did not choose XWayland in a session that offers it"
-    if [ "$2" = none ]; then
+    wait_for 50 more_shown_than 0 || fail "the program did not choose XWayland in a session that offers it"
+    if [ "$1" = none ]; then
         wait_for 30 grep -q "offers neither ext-idle-notify-v1 nor GNOME's idle monitor" "$work/tarvo.err" ||
             fail "the program does not say which idle protocol the compositor lacks"
     else
-        ! grep -q "cannot be detected" "$work/tarvo.err" || fail "natural pauses are not seen through $2"
+        ! grep -q "cannot be detected" "$work/tarvo.err" || fail "natural pauses are not seen through $1"
     fi
-    echo "ok - the program chose XWayland; natural pauses: $2"
+    echo "ok - the program chose XWayland; natural pauses: $1"
 
     stand_in_menu m
-    wait_for 50 break_window || fail "\"Micropause Now!\" showed no break"
-    covers_both "the blanked micropause"
+    wait_for 50 covered 0 || fail "the blanked micropause does not cover the first output"
+    wait_for 50 covered 1 || fail "the blanked micropause does not cover the second output"
     wait_for 30 has_keyboard "$(break_window)" || fail "the break does not have the keyboard"
     screenshot break
     key Escape
@@ -114,7 +105,9 @@ run_breaks() { # <test folder> <idle source>
     wait_for 100 no_break || fail "the micropause at its own size did not end"
     echo "ok - a micropause covers both outputs with the keyboard, Esc ends it, and unblanked it is on top"
 
-    player_plays "the player"
+    stand_in_menu e
+    wait_for 100 video_window || fail "no video appeared in the player"
+    wait_for 50 video_plays || fail "the video does not play in the player"
     screenshot player
     quit_player
     to_work
@@ -126,8 +119,10 @@ run_breaks() { # <test folder> <idle source>
     echo "ok - the player shows its video, and the prompt comes on top without taking the keyboard"
 
     restart "[Exercise]" '"BlankX"="1"'
-    player_plays "the blanked player"
-    covers_both "the blanked player"
+    stand_in_menu e
+    wait_for 100 video_window && wait_for 50 video_plays || fail "the video does not play in the blanked player"
+    wait_for 50 covered 0 || fail "the blanked player does not cover the first output"
+    wait_for 50 covered 1 || fail "the blanked player does not cover the second output"
     screenshot player-blanked
     quit_player
     echo "ok - the blanked player shows its video and covers both outputs"
