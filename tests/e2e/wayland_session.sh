@@ -83,11 +83,8 @@ run_breaks() { # <idle source>
     start_tarvo "[Options]" '"Initialised"="1"' "[Micropause]" '"InterruptFor"="6"' '"Blank"="1"'
     wait_for 50 more_shown_than 0 || fail "the program did not choose XWayland in a session that offers it"
     if [ "$1" = none ]; then
-        wait_for 30 grep -q "offers neither ext-idle-notify-v1 nor GNOME's idle monitor" "$work/tarvo.err" ||
-            fail "the program does not say which idle protocol the compositor lacks"
-    else
-        ! grep -q "cannot be detected" "$work/tarvo.err" || fail "natural pauses are not seen through $1"
-    fi
+        wait_for 30 grep -q "offers neither ext-idle-notify-v1 nor GNOME's idle monitor" "$work/tarvo.err"
+    else ! grep -q "cannot be detected" "$work/tarvo.err"; fi || fail "natural pauses do not match the idle source ($1)"
     echo "ok - the program chose XWayland; natural pauses: $1"
 
     stand_in_menu m
@@ -126,7 +123,5 @@ run_breaks() { # <idle source>
     screenshot player-blanked
     quit_player
     echo "ok - the blanked player shows its video and covers both outputs"
-    "$bin/tarvo" shutdown
-    wait "$tarvo" || true
     echo "4 passed, 0 failed"
 }
