@@ -8,14 +8,12 @@
 set -euo pipefail
 bin=$1
 . "$(dirname "$0")/lib.sh"
-needs Xvfb openbox trayer xdotool xprop xwininfo xmessage setxkbmap
+needs Xvfb openbox trayer xdotool xprop xwininfo xmessage wmctrl setxkbmap
 start_x 1280x1024
 start_tarvo
 wait_for 150 docked_icon || fail "the icon did not dock"
-xmessage -title "Other work" -geometry 300x100+50+500 "Other work" &
-pids+=($!)
-wait_for 100 visible_window '^Other work$' || fail "the other window did not appear"
-other=$(xdotool search --name '^Other work$' | head -n 1)
+start_work_window "Other work" -geometry 300x100+50+500
+other=$work_window
 wakeups() { cat /proc/"$tarvo"/task/*/status | awk '/^voluntary_ctxt_switches/{n += $2} END{print n}'; }
 elsewhere() { # [<layout>]: the layout changes, if given, and Caps Lock toggles
     xdotool windowactivate --sync "$other"

@@ -8,7 +8,7 @@ set -euo pipefail
 bin=$1
 shots=$2
 . "$(dirname "$0")/lib.sh"
-needs Xvfb openbox trayer xdotool xprop xwininfo xrandr xmessage gst-launch-1.0
+needs Xvfb openbox trayer xdotool xprop xwininfo xrandr xmessage wmctrl gst-launch-1.0
 mkdir -p "$shots"
 
 top_window_name() {

@@ -16,17 +16,7 @@ coproc SAVER { "$2"; }
 pids+=("$SAVER_PID")
 read -r -t 10 line <&"${SAVER[0]}" && [ "$line" = ready ] || fail "the screen saver stand-in did not start"
 saver() { echo "$1" >&"${SAVER[1]}"; }
-# Now and then openbox leaves the first window of a session unmanaged (never mapped, no WM_STATE) when
-# it comes early; a window that stays so is shown again rather than failing the program's test.
-film_managed() { wmctrl -l | grep -q Film; }
-xmessage -title Film Film &
-pids+=($!)
-for attempt in 1 2 3; do
-    wait_for 50 film_managed && break
-    echo "the film's window was not taken on by the window manager (attempt $attempt); mapped again" >&2
-    for w in $(xdotool search --name '^Film$'); do xdotool windowunmap "$w" windowmap "$w" || true; done
-done
-film_managed || fail "the film's window did not appear"
+start_work_window Film
 wmctrl -a Film && wmctrl -r Film -b add,fullscreen
 break_shown() { visible_window '^Tarvo Micropause$'; }
 

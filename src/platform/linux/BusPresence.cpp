@@ -5,9 +5,11 @@
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusReply>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
 
+#include <array>
 #include <unistd.h>
 
 namespace tarvo {
@@ -20,6 +22,8 @@ constexpr char kSessionManager[] = "org.gnome.SessionManager";
 constexpr char kFreedesktopSaver[] = "org.freedesktop.ScreenSaver";
 constexpr char kGnomeSaver[] = "org.gnome.ScreenSaver";
 constexpr char kPortal[] = "org.freedesktop.portal.Desktop";
+constexpr const char* kSessionServices[] = {kNotifications, kSessionManager, kFreedesktopSaver, kGnomeSaver,
+                                            kPortal};
 // GNOME's session manager: the flag of InhibitedActions that keeps the session from idling.
 constexpr uint kInhibitIdle = 8;
 
@@ -101,21 +105,18 @@ QVariant unwrapped(QVariant v) {
 } // namespace
 
 // GNOME's show-banners setting through the desktop portal, read when the portal appears and kept by
-// SettingChanged; do-not-disturb holds while it is false (and never where the portal lacks it).
+// SettingChanged; do-not-disturb holds while it is false (and never where the portal lacks it). Like
+// the other followers below, it lives while its service is on the bus (BusPresence makes and drops it).
 class BannersOff {
 public:
     BannersOff(const QDBusConnection& bus, std::function<void()> changed)
         : changed_(std::move(changed))
-        , proxy_(bus)
-        , watcher_(QLatin1String(kPortal), bus,
-                   QDBusServiceWatcher::WatchForRegistration | QDBusServiceWatcher::WatchForUnregistration) {
+        , proxy_(bus) {
         QObject::connect(&proxy_, &PortalSettingsProxy::SettingChanged, &proxy_,
                          [this](const QString& space, const QString& key, const QDBusVariant& value) {
                              if (space == kSpace && key == kKey)
                                  take(value.variant());
                          });
-        QObject::connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, &proxy_, [this] { read(); });
-        QObject::connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, &proxy_, [this] { take({}); });
         read();
     }
 
@@ -142,12 +143,11 @@ private:
 
     const std::function<void()> changed_;
     PortalSettingsProxy proxy_;
-    QDBusServiceWatcher watcher_;
     bool on_ = false;
 };
 
-// One boolean reading of one property, kept by PropertiesChanged and read afresh when the service
-// appears; false while the service is away or the value is of another type than expected.
+// One boolean reading of one property, read when the service appears and kept by PropertiesChanged;
+// false while the value is of another type than expected.
 class BusProperty {
 public:
     BusProperty(const QDBusConnection& bus, const QString& service, const QString& path, QString interface,
@@ -156,9 +156,7 @@ public:
         , property_(std::move(property))
         , reading_(std::move(reading))
         , changed_(std::move(changed))
-        , proxy_(service, path, bus)
-        , watcher_(service, bus,
-                   QDBusServiceWatcher::WatchForRegistration | QDBusServiceWatcher::WatchForUnregistration) {
+        , proxy_(service, path, bus) {
         QObject::connect(
             &proxy_, &PropertiesProxy::PropertiesChanged, &proxy_,
             [this](const QString& interface, const QVariantMap& values, const QStringList& invalidated) {
@@ -169,9 +167,6 @@ public:
                 else if (invalidated.contains(property_))
                     read();
             });
-        QObject::connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, &proxy_, [this] { read(); });
-        QObject::connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, &proxy_,
-                         [this] { set(false); });
         read();
     }
 
@@ -197,7 +192,6 @@ private:
     const std::function<bool(const QVariant&)> reading_;
     const std::function<void()> changed_;
     PropertiesProxy proxy_;
-    QDBusServiceWatcher watcher_;
     bool value_ = false;
 };
 
@@ -207,14 +201,9 @@ public:
     ScreenSaverWatch(const QDBusConnection& bus, const char* service, const char* path,
                      std::function<void()> changed)
         : changed_(std::move(changed))
-        , proxy_(QLatin1String(service), QLatin1String(path), bus)
-        , watcher_(QLatin1String(service), bus,
-                   QDBusServiceWatcher::WatchForRegistration | QDBusServiceWatcher::WatchForUnregistration) {
+        , proxy_(QLatin1String(service), QLatin1String(path), bus) {
         QObject::connect(&proxy_, &ScreenSaverProxy::ActiveChanged, &proxy_,
                          [this](bool active) { set(active); });
-        QObject::connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, &proxy_, [this] { read(); });
-        QObject::connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, &proxy_,
-                         [this] { set(false); });
         read();
     }
 
@@ -236,7 +225,6 @@ private:
 
     const std::function<void()> changed_;
     ScreenSaverProxy proxy_;
-    QDBusServiceWatcher watcher_;
     bool active_ = false;
 };
 
@@ -262,26 +250,79 @@ BusPresence::BusPresence(const QDBusConnection& session, const QDBusConnection& 
             gnomeSaver_.reset();
             banners_.reset();
         });
-        banners_ = std::make_unique<BannersOff>(session_, changed_);
-        notifications_ = std::make_unique<BusProperty>(
-            session_, QLatin1String(kNotifications), QStringLiteral("/org/freedesktop/Notifications"),
-            QLatin1String(kNotifications), QStringLiteral("Inhibited"), isTrue, changed_);
+        // One watch for all of the session's services, and a follower (its proxy, its signal, its
+        // reading) only for a service that is there: a desktop without them costs one match rule.
+        auto* watch = new QDBusServiceWatcher(context_.get());
+        watch->setConnection(session_);
+        watch->setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+        for (const char* name : kSessionServices)
+            watch->addWatchedService(QLatin1String(name));
+        QObject::connect(watch, &QDBusServiceWatcher::serviceOwnerChanged, context_.get(),
+                         [this](const QString& name, const QString&, const QString& owner) {
+                             vanish(name);
+                             if (!owner.isEmpty())
+                                 appear(name);
+                         });
+        QDBusConnectionInterface* daemon = session_.interface();
+        const QDBusReply<QStringList> names =
+            daemon ? daemon->registeredServiceNames() : QDBusReply<QStringList>();
+        for (const char* name : kSessionServices)
+            if (names.isValid() && names.value().contains(QLatin1String(name)))
+                appear(QLatin1String(name));
+    }
+    if (system_.isConnected()) {
+        onDisconnection(system_, [this] { lockedHint_.reset(); });
+        auto* watch = new QDBusServiceWatcher(QLatin1String(kLogin), system_,
+                                              QDBusServiceWatcher::WatchForOwnerChange, context_.get());
+        QObject::connect(watch, &QDBusServiceWatcher::serviceOwnerChanged, context_.get(),
+                         [this](const QString& name, const QString&, const QString& owner) {
+                             vanish(name);
+                             if (!owner.isEmpty())
+                                 findSession();
+                         });
+        findSession();
+    }
+}
+
+void BusPresence::appear(const QString& name) {
+    if (name == QLatin1String(kNotifications) && !notifications_)
+        notifications_ =
+            std::make_unique<BusProperty>(session_, name, QStringLiteral("/org/freedesktop/Notifications"),
+                                          name, QStringLiteral("Inhibited"), isTrue, changed_);
+    else if (name == QLatin1String(kSessionManager) && !sessionManager_)
         sessionManager_ = std::make_unique<BusProperty>(
-            session_, QLatin1String(kSessionManager), QStringLiteral("/org/gnome/SessionManager"),
-            QLatin1String(kSessionManager), QStringLiteral("InhibitedActions"),
+            session_, name, QStringLiteral("/org/gnome/SessionManager"), name,
+            QStringLiteral("InhibitedActions"),
             [](const QVariant& v) {
                 return v.metaType() == QMetaType::fromType<uint>() && (v.toUInt() & kInhibitIdle);
             },
             changed_);
+    else if (name == QLatin1String(kFreedesktopSaver) && !freedesktopSaver_)
         freedesktopSaver_ =
             std::make_unique<ScreenSaverWatch>(session_, kFreedesktopSaver, "/ScreenSaver", changed_);
+    else if (name == QLatin1String(kGnomeSaver) && !gnomeSaver_)
         gnomeSaver_ =
             std::make_unique<ScreenSaverWatch>(session_, kGnomeSaver, "/org/gnome/ScreenSaver", changed_);
-    }
-    if (system_.isConnected()) {
-        onDisconnection(system_, [this] { lockedHint_.reset(); });
-        findSession();
-    }
+    else if (name == QLatin1String(kPortal) && !banners_)
+        banners_ = std::make_unique<BannersOff>(session_, changed_);
+}
+
+void BusPresence::vanish(const QString& name) {
+    const std::array<bool, 3> before{locked(), doNotDisturb(), idleInhibited()};
+    if (name == QLatin1String(kLogin))
+        lockedHint_.reset();
+    else if (name == QLatin1String(kNotifications))
+        notifications_.reset();
+    else if (name == QLatin1String(kSessionManager))
+        sessionManager_.reset();
+    else if (name == QLatin1String(kFreedesktopSaver))
+        freedesktopSaver_.reset();
+    else if (name == QLatin1String(kGnomeSaver))
+        gnomeSaver_.reset();
+    else if (name == QLatin1String(kPortal))
+        banners_.reset();
+    if (before != std::array<bool, 3>{locked(), doNotDisturb(), idleInhibited()})
+        changed_();
 }
 
 BusPresence::~BusPresence() = default;
@@ -334,13 +375,13 @@ QStringList BusPresence::sourcesPresent() const {
     QStringList present;
     if (registered(system_, kLogin))
         present << QStringLiteral("logind");
-    if (registered(session_, kFreedesktopSaver) || registered(session_, kGnomeSaver))
+    if (freedesktopSaver_ || gnomeSaver_)
         present << QStringLiteral("the screen saver");
-    if (registered(session_, kNotifications))
+    if (notifications_)
         present << QStringLiteral("the notification server");
-    if (registered(session_, kSessionManager))
+    if (sessionManager_)
         present << QStringLiteral("GNOME's session manager");
-    if (registered(session_, kPortal))
+    if (banners_)
         present << QStringLiteral("the desktop portal");
     return present;
 }

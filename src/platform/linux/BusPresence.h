@@ -40,6 +40,9 @@ public:
 
 private:
     void findSession();
+    // A follower for each service while it is on the bus.
+    void appear(const QString& name);
+    void vanish(const QString& name);
     void onDisconnection(const QDBusConnection& bus, std::function<void()> drop);
 
     QDBusConnection session_, system_;

@@ -6,10 +6,10 @@
 namespace tarvo {
 
 DesktopPresence::DesktopPresence(const QDBusConnection& session, const QDBusConnection& system,
-                                 const QByteArray& x11Display, bool useX11)
+                                 bool followWindows)
     : bus_(std::make_unique<BusPresence>(session, system, [this] { changed(); })) {
-    if (useX11)
-        window_ = X11FullScreenWatcher::open(x11Display, [this] { changed(); });
+    if (followWindows)
+        window_ = X11FullScreenWatcher::attach([this] { changed(); });
 }
 
 DesktopPresence::~DesktopPresence() = default;

@@ -2,7 +2,6 @@
 
 #include "core/PresenceMonitor.h"
 
-#include <QByteArray>
 #include <QDBusConnection>
 #include <QString>
 
@@ -19,9 +18,9 @@ class X11FullScreenWatcher;
 // holds no break there.
 class DesktopPresence : public PresenceMonitor {
 public:
-    // display: the X11 display to follow (empty: $DISPLAY; none at all: no full-screen condition).
-    DesktopPresence(const QDBusConnection& session, const QDBusConnection& system,
-                    const QByteArray& x11Display, bool useX11);
+    // followWindows: follow the focused window on the application's X11 display (without one, or
+    // when false, no window holds a break).
+    DesktopPresence(const QDBusConnection& session, const QDBusConnection& system, bool followWindows);
     ~DesktopPresence() override;
 
     void setListener(Listener* listener) override { listener_ = listener; }

@@ -17,12 +17,27 @@
 #include "platform/linux/XkbStateFollower.h"
 
 #include <QDBusConnection>
-#include <QGuiApplication>
+#include <QFileInfo>
 
 #include <cstdio>
 #include <malloc.h>
 
 namespace tarvo {
+
+namespace {
+
+// logind is reached over the system bus. Where the machine runs none (a container, a minimal
+// installation), asking Qt for it still sets up a connection that fails and leaves its memory behind
+// for the program's life; the missing socket says as much without asking. (The address a user sets
+// is always tried.)
+QDBusConnection systemBusIfRunning() {
+    if (qEnvironmentVariableIsSet("DBUS_SYSTEM_BUS_ADDRESS") ||
+        QFileInfo::exists(QStringLiteral("/var/run/dbus/system_bus_socket")))
+        return QDBusConnection::systemBus();
+    return QDBusConnection(QStringLiteral("tarvo-no-system-bus")); // not connected
+}
+
+} // namespace
 
 std::unique_ptr<SingleInstance> createSingleInstance() {
     return std::make_unique<LocalSingleInstance>();
@@ -51,8 +66,7 @@ struct LinuxPlatform::Seams {
     SystemRandom random;
     X11WindowSession windowSession;
     std::unique_ptr<XkbStateFollower> keyboardState = XkbStateFollower::attach();
-    DesktopPresence presence{QDBusConnection::sessionBus(), QDBusConnection::systemBus(), QByteArray(),
-                             QGuiApplication::platformName() == QLatin1String("xcb")};
+    DesktopPresence presence{QDBusConnection::sessionBus(), systemBusIfRunning(), true};
 };
 
 LinuxPlatform::LinuxPlatform()

@@ -1,6 +1,8 @@
 #include "platform/linux/X11FullScreenWatcher.h"
 
-#include <QSocketNotifier>
+#include <QGuiApplication>
+#include <QMetaObject>
+#include <QObject>
 
 #include <cstdlib>
 #include <cstring>
@@ -8,93 +10,115 @@
 
 namespace tarvo {
 
-std::unique_ptr<X11FullScreenWatcher> X11FullScreenWatcher::open(const QByteArray& display,
-                                                                 std::function<void()> changed) {
-    xcb_connection_t* connection = xcb_connect(display.isEmpty() ? nullptr : display.constData(), nullptr);
-    if (xcb_connection_has_error(connection)) {
-        xcb_disconnect(connection);
+namespace {
+
+struct FreeDeleter {
+    void operator()(void* p) const { std::free(p); }
+};
+template <typename T>
+using XcbReply = std::unique_ptr<T, FreeDeleter>;
+
+} // namespace
+
+std::unique_ptr<X11FullScreenWatcher> X11FullScreenWatcher::attach(std::function<void()> changed) {
+    if (qGuiApp == nullptr || QGuiApplication::platformName() != QLatin1String("xcb"))
         return nullptr;
-    }
-    return std::unique_ptr<X11FullScreenWatcher>(new X11FullScreenWatcher(connection, std::move(changed)));
+    auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    xcb_connection_t* connection = x11 != nullptr ? x11->connection() : nullptr;
+    if (connection == nullptr)
+        return nullptr;
+    std::unique_ptr<X11FullScreenWatcher> watcher(new X11FullScreenWatcher(connection, std::move(changed)));
+    qGuiApp->installNativeEventFilter(watcher.get());
+    return watcher;
 }
 
 X11FullScreenWatcher::X11FullScreenWatcher(xcb_connection_t* connection, std::function<void()> changed)
     : connection_(connection)
     , changed_(std::move(changed))
+    , context_(std::make_unique<QObject>())
     , root_(xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root)
+    , idBase_(xcb_get_setup(connection)->resource_id_base)
+    , idMask_(xcb_get_setup(connection)->resource_id_mask)
     , activeAtom_(atom("_NET_ACTIVE_WINDOW"))
     , stateAtom_(atom("_NET_WM_STATE"))
-    , fullScreenAtom_(atom("_NET_WM_STATE_FULLSCREEN"))
-    , notifier_(
-          std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection), QSocketNotifier::Read)) {
-    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
-    xcb_change_window_attributes(connection_, root_, XCB_CW_EVENT_MASK, &mask);
+    , fullScreenAtom_(atom("_NET_WM_STATE_FULLSCREEN")) {
     followActive();
-    service(); // what came along with the replies
-    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { service(); });
 }
 
 X11FullScreenWatcher::~X11FullScreenWatcher() {
-    notifier_.reset(); // before the socket it watches closes
-    xcb_disconnect(connection_);
+    if (qGuiApp != nullptr)
+        qGuiApp->removeNativeEventFilter(this);
+    if (active_ != 0 && !ours(active_))
+        listen(active_, XCB_EVENT_MASK_NO_EVENT);
 }
 
 std::uint32_t X11FullScreenWatcher::atom(const char* name) const {
-    xcb_intern_atom_reply_t* reply = xcb_intern_atom_reply(
+    const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
         connection_, xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(std::strlen(name)), name),
-        nullptr);
-    const std::uint32_t value = reply ? reply->atom : 0;
-    std::free(reply);
-    return value;
+        nullptr));
+    return reply ? reply->atom : 0;
 }
 
-void X11FullScreenWatcher::service() {
+bool X11FullScreenWatcher::ours(std::uint32_t window) const {
+    // The server hands each client its own range of resource identifiers.
+    return (window & ~idMask_) == idBase_;
+}
+
+void X11FullScreenWatcher::listen(std::uint32_t window, std::uint32_t mask) const {
+    // Checked, so that a window that has just gone away costs a failed request here instead of an error
+    // report in Qt's event handling.
+    const xcb_void_cookie_t cookie =
+        xcb_change_window_attributes_checked(connection_, window, XCB_CW_EVENT_MASK, &mask);
+    std::free(xcb_request_check(connection_, cookie));
+}
+
+bool X11FullScreenWatcher::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
+    if (eventType != "xcb_generic_event_t")
+        return false;
+    const auto* event = static_cast<const xcb_generic_event_t*>(message);
+    if ((event->response_type & 0x7f) != XCB_PROPERTY_NOTIFY)
+        return false;
+    const auto* notify = static_cast<const xcb_property_notify_event_t*>(message);
+    if (notify->window != root_ && !ours(notify->window))
+        ++foreignNotifications_;
+    if (notify->window == root_ && notify->atom == activeAtom_)
+        schedule(true);
+    else if (notify->window == active_ && notify->atom == stateAtom_)
+        schedule(false);
+    return false;
+}
+
+void X11FullScreenWatcher::schedule(bool activeChanged) {
+    const bool queued = activePending_ || statePending_;
+    (activeChanged ? activePending_ : statePending_) = true;
+    if (!queued)
+        QMetaObject::invokeMethod(
+            context_.get(), [this] { follow(); }, Qt::QueuedConnection);
+}
+
+void X11FullScreenWatcher::follow() {
     const bool before = fullScreen_;
-    // The replies read while following a change may bring further events along, which then wait in
-    // XCB's queue, not on the socket: they are taken too before the next wait for the socket.
-    for (bool readSocket = true;; readSocket = false) {
-        bool activeChanged = false, stateChanged = false;
-        while (xcb_generic_event_t* event =
-                   readSocket ? xcb_poll_for_event(connection_) : xcb_poll_for_queued_event(connection_)) {
-            if ((event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY) {
-                const auto* notify = reinterpret_cast<const xcb_property_notify_event_t*>(event);
-                ++notifications_;
-                activeChanged |= notify->window == root_ && notify->atom == activeAtom_;
-                stateChanged |= notify->window == active_ && notify->atom == stateAtom_;
-            }
-            std::free(event); // an error (a window that went away under a request) says nothing new
-        }
-        if (xcb_connection_has_error(connection_)) {
-            notifier_->setEnabled(false); // a closed socket stays readable: never spin on it
-            fullScreen_ = false;
-            break;
-        }
-        if (activeChanged)
-            followActive();
-        else if (stateChanged)
-            readState();
-        else
-            break;
-    }
+    if (activePending_)
+        followActive();
+    else if (statePending_)
+        readState();
+    activePending_ = statePending_ = false;
     if (fullScreen_ != before)
         changed_();
 }
 
 void X11FullScreenWatcher::followActive() {
-    xcb_get_property_reply_t* reply = xcb_get_property_reply(
-        connection_, xcb_get_property(connection_, 0, root_, activeAtom_, XCB_ATOM_WINDOW, 0, 1), nullptr);
+    const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        connection_, xcb_get_property(connection_, 0, root_, activeAtom_, XCB_ATOM_WINDOW, 0, 1), nullptr));
     std::uint32_t window = 0;
     if (reply && reply->type == XCB_ATOM_WINDOW && reply->format == 32 &&
-        xcb_get_property_value_length(reply) >= 4)
-        std::memcpy(&window, xcb_get_property_value(reply), sizeof window);
-    std::free(reply);
+        xcb_get_property_value_length(reply.get()) >= 4)
+        std::memcpy(&window, xcb_get_property_value(reply.get()), sizeof window);
     if (window != active_) {
-        // Only the active window's notifications reach us: the one before is left alone again.
-        const std::uint32_t none = XCB_EVENT_MASK_NO_EVENT, mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
-        if (active_ != 0)
-            xcb_change_window_attributes(connection_, active_, XCB_CW_EVENT_MASK, &none);
-        if (window != 0)
-            xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &mask);
+        if (active_ != 0 && !ours(active_))
+            listen(active_, XCB_EVENT_MASK_NO_EVENT);
+        if (window != 0 && !ours(window))
+            listen(window, XCB_EVENT_MASK_PROPERTY_CHANGE);
         active_ = window;
     }
     readState();
@@ -102,26 +126,25 @@ void X11FullScreenWatcher::followActive() {
 
 bool X11FullScreenWatcher::windowManager() const {
     const std::uint32_t check = atom("_NET_SUPPORTING_WM_CHECK");
-    xcb_get_property_reply_t* reply = xcb_get_property_reply(
-        connection_, xcb_get_property(connection_, 0, root_, check, XCB_ATOM_WINDOW, 0, 1), nullptr);
-    const bool present = reply && reply->type == XCB_ATOM_WINDOW;
-    std::free(reply);
-    return present;
+    const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        connection_, xcb_get_property(connection_, 0, root_, check, XCB_ATOM_WINDOW, 0, 1), nullptr));
+    return reply && reply->type == XCB_ATOM_WINDOW;
 }
 
 void X11FullScreenWatcher::readState() {
     fullScreen_ = false;
     if (active_ == 0)
         return;
-    xcb_get_property_reply_t* reply = xcb_get_property_reply(
-        connection_, xcb_get_property(connection_, 0, active_, stateAtom_, XCB_ATOM_ATOM, 0, 64), nullptr);
+    xcb_generic_error_t* error = nullptr; // a window gone meanwhile: not full screen, and no report
+    const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        connection_, xcb_get_property(connection_, 0, active_, stateAtom_, XCB_ATOM_ATOM, 0, 64), &error));
+    std::free(error);
     if (reply && reply->type == XCB_ATOM_ATOM && reply->format == 32) {
-        const auto* atoms = static_cast<const std::uint32_t*>(xcb_get_property_value(reply));
-        const int count = xcb_get_property_value_length(reply) / 4;
+        const auto* atoms = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+        const int count = xcb_get_property_value_length(reply.get()) / 4;
         for (int i = 0; i < count && !fullScreen_; ++i)
             fullScreen_ = atoms[i] == fullScreenAtom_;
     }
-    std::free(reply);
 }
 
 } // namespace tarvo
