@@ -43,6 +43,8 @@ break_window() {
     return 1
 }
 no_break() { ! break_window; }
+# The native window of the user's work says when the compositor stops and starts showing it.
+work_is() { [ "$(grep -xE 'shown|covered' "$work/busy.out" | tail -n 1)" = "$1" ]; }
 video_window() { xdotool search --onlyvisible --pid "$(pgrep -n -u "$(id -u)" tarvovideo)" 2>/dev/null | head -n 1; }
 video_plays() { local first; first=$(picture "$(video_window)") && sleep 1 && [ "$(picture "$(video_window)")" != "$first" ]; }
 
@@ -91,16 +93,18 @@ run_breaks() { # <idle source>
     wait_for 50 covered 0 || fail "the blanked micropause does not cover the first output"
     wait_for 50 covered 1 || fail "the blanked micropause does not cover the second output"
     wait_for 30 has_keyboard "$(break_window)" || fail "the break does not have the keyboard"
+    wait_for 30 work_is covered || fail "the blanked micropause is not above the user's native window"
     screenshot break
     key Escape
     wait_for 30 no_break || fail "Esc did not end the break"
+    wait_for 30 work_is shown || fail "the user's native window is not shown again after the break"
     restart "[Micropause]" '"Blank"="0"' "[Exercise]" '"EveryM"="1"' '"AudibleX"="0"' '"BlankX"="0"'
     stand_in_menu m
     wait_for 50 break_window || fail "\"Micropause Now!\" showed no break at its own size"
     wait_for 30 on_top "$(break_window)" || fail "the micropause at its own size is not above the user's work"
     screenshot break-unblanked
     wait_for 100 no_break || fail "the micropause at its own size did not end"
-    echo "ok - a micropause covers both outputs with the keyboard, Esc ends it, and unblanked it is on top"
+    echo "ok - a micropause covers both outputs and the native window with the keyboard, Esc ends it, and unblanked it is on top"
 
     stand_in_menu e
     wait_for 100 video_window || fail "no video appeared in the player"
@@ -120,8 +124,9 @@ run_breaks() { # <idle source>
     wait_for 100 video_window && wait_for 50 video_plays || fail "the video does not play in the blanked player"
     wait_for 50 covered 0 || fail "the blanked player does not cover the first output"
     wait_for 50 covered 1 || fail "the blanked player does not cover the second output"
+    wait_for 30 work_is covered || fail "the blanked player is not above the user's native window"
     screenshot player-blanked
     quit_player
-    echo "ok - the blanked player shows its video and covers both outputs"
+    echo "ok - the blanked player shows its video and covers both outputs and the native window"
     echo "4 passed, 0 failed"
 }
