@@ -46,3 +46,15 @@ screenshot() { grim "$shots/sway-$1.png"; }
 # Sway offers ext-idle-notify-v1 from 1.8 on.
 case "$(sway --version)" in *" 1.7"* | *" 1.6"*) idle=none ;; *) idle=ext-idle-notify-v1 ;; esac
 run_breaks "$idle"
+
+# Where the session has a StatusNotifierItem tray, the icon is there, as a tray shows it, and no
+# stand-in window comes.
+/usr/bin/python3 "$here/tray_host.py" >"$work/tray.out" 2>&1 &
+pids+=($!)
+wait_for 50 grep -q '^watching$' "$work/tray.out" || fail "the tray host did not start ($(cat "$work/tray.out"))"
+restart
+wait_for 100 grep -qE '^item \S+ title=Tarvo Micropause status=Active icon=\S' "$work/tray.out" ||
+    fail "the tray host shows no icon of the program ($(cat "$work/tray.out"))"
+! wait_for 20 more_shown_than 0 || fail "a stand-in window showed in a session with a tray"
+echo "ok - the icon is in the StatusNotifierItem tray, and no stand-in window shows"
+echo "5 passed, 0 failed"
