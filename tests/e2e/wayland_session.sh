@@ -53,6 +53,7 @@ video_plays() { local first; first=$(picture "$(video_window)") && sleep 1 && [ 
 # has given it to XWayland: a key sent before is lost, and is sent again while the menu is up.
 stand_in_menu() { # <key>
     local before try menu
+    wait_for 50 more_shown_than 0 || fail "the stand-in window did not show"
     focus "$(windows | head -n 1)"
     before=$(windows)
     "$bin/tarvo" &
