@@ -31,10 +31,10 @@ has_keyboard() { [ "$(xdotool getwindowfocus)" = "$1" ]; }
 keeps_keyboard() { ! has_keyboard "$1"; }
 screenshot() { shoot "$(top_window)" "$shots/mutter-$1.png"; }
 
-# A break comes full screen on the monitor under XWayland's pointer, put into the corner of the first
-# monitor, where mutter places the user's work, away from the program's windows: mutter stops the
-# frames of a window below a full-screen one, but not of one below the cover put over a monitor (an
-# override-redirect window), so only the first is shown by the native window.
+# A break comes full screen on the monitor under XWayland's pointer, put on the first monitor, where
+# mutter places the user's work: mutter stops the frames of a window below a full-screen one, but not
+# of one below the cover put over a monitor (an override-redirect window), so only the first is shown
+# by the native window.
 xdotool mousemove 1270 790
 run_breaks "GNOME's idle monitor"
 echo "note - mutter still asks a native window below the cover put over a monitor for frames: that cover is seen from the X side only"

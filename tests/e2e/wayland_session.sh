@@ -93,7 +93,7 @@ run_breaks() { # <idle source>
     stand_in_menu m
     wait_for 50 covered 0 || fail "the blanked micropause does not cover the first output"
     wait_for 50 covered 1 || fail "the blanked micropause does not cover the second output"
-    wait_for 30 has_keyboard "$(break_window)" || fail "the break does not have the keyboard"
+    wait_for 30 eval 'has_keyboard "$(break_window)"' || fail "the break does not have the keyboard"
     wait_for 30 work_is covered || fail "the blanked micropause is not above the user's native window"
     screenshot break
     key Escape
@@ -102,7 +102,7 @@ run_breaks() { # <idle source>
     restart "[Micropause]" '"Blank"="0"' "[Exercise]" '"EveryM"="1"' '"AudibleX"="0"' '"BlankX"="0"'
     stand_in_menu m
     wait_for 50 break_window || fail "\"Micropause Now!\" showed no break at its own size"
-    wait_for 30 on_top "$(break_window)" || fail "the micropause at its own size is not above the user's work"
+    wait_for 30 eval 'on_top "$(break_window)"' || fail "the micropause at its own size is not above the user's work"
     screenshot break-unblanked
     wait_for 100 no_break || fail "the micropause at its own size did not end"
     echo "ok - a micropause covers both outputs and the native window with the keyboard, Esc ends it, and unblanked it is on top"
