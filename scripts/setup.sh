@@ -27,6 +27,9 @@ packages=(
     fonts-dejavu-core                           # the exercise media's title lettering
     clang libclang-rt-14-dev                    # fuzzing (scripts/fuzz.sh): clang and its libFuzzer and sanitizer runtimes
     faketime libfaketime                        # bench/soak_day.sh: a day of schedule on a clock 60 times faster
+    sway grim wtype jq xwayland qt6-wayland     # Wayland test: sway runs headless, the quickest of the three compositors
+                                                # to start, with screenshots, typing and a window tree of its own
+    python3-gi                                  # Wayland test: a StatusNotifierItem tray host on the session bus (GLib's Gio)
     at-spi2-core python3-pyatspi                # accessibility test: the AT-SPI bus, and a screen reader's view of it from /usr/bin/python3
 )
 if [ "${1:-}" = package ]; then

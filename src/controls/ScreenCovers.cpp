@@ -12,6 +12,8 @@ ScreenCovers::~ScreenCovers() {
 
 void ScreenCovers::cover(QScreen* shown, BlackCover::Listener& listener) {
     uncover();
+    shown_ = shown;
+    listener_ = &listener;
     for (QScreen* other : QGuiApplication::screens()) {
         if (other == shown)
             continue;
@@ -27,6 +29,13 @@ void ScreenCovers::uncover() {
         if (cover)
             cover->close(); // deletes itself
     covers_.clear();
+    listener_ = nullptr;
+}
+
+void ScreenCovers::follow(const QRect& window) {
+    QScreen* now = screenShowing(window);
+    if (listener_ && now && now != shown_)
+        cover(now, *listener_);
 }
 
 std::vector<QWidget*> ScreenCovers::covers() const {

@@ -24,6 +24,10 @@ public:
     // up already are taken away first, so a window that shows again never stacks a second set.
     void cover(QScreen* shown, BlackCover::Listener& listener);
     void uncover();
+    // Covers up follow the window to the monitor that shows it now: a window manager may put a
+    // full-screen window on another monitor than the one it was meant for (sway puts it on the output
+    // that has the focus), and that monitor must not stay under a cover while the other lies open.
+    void follow(const QRect& window);
     // The covers up now (for tests).
     std::vector<QWidget*> covers() const;
 
@@ -33,6 +37,8 @@ public:
 
 private:
     std::vector<QPointer<BlackCover>> covers_;
+    QScreen* shown_ = nullptr;
+    BlackCover::Listener* listener_ = nullptr;
 };
 
 } // namespace tarvo

@@ -19,6 +19,7 @@ class RandomSource;
 class RegistryStore;
 class SoundPlayer;
 class TimerFactory;
+class WindowSession;
 
 // The operating-system seams that the engine and the forms use. (Those that only start-up and the tray
 // use stay with the shell.)
@@ -32,6 +33,7 @@ struct Seams {
     FileDialog& files;
     MediaCommands& media;
     RandomSource& random;
+    WindowSession& windowSession;
     PresenceMonitor& presence;
 };
 

@@ -23,14 +23,14 @@ void ExerciseScreens::attach(ExerciseSequencer& sequencer) {
 void ExerciseScreens::showExercisePrompt() {
     // One prompt at a time: one that is up already is only brought to the front.
     if (!prompt_)
-        prompt_ = new frmChkExercise(*sequencer_);
+        prompt_ = new frmChkExercise(*sequencer_, ctx_.windowSession);
     prompt_->show();
     prompt_->raise();
 }
 
 frmX& ExerciseScreens::loadedPlayer() {
     if (!player_)
-        player_ = std::make_unique<frmX>(ctx_.record, media_, *sequencer_);
+        player_ = std::make_unique<frmX>(ctx_.record, media_, *sequencer_, ctx_.windowSession);
     return *player_;
 }
 

@@ -1,5 +1,6 @@
 #include "exercise/frmChkExercise.h"
 
+#include "core/WindowSession.h"
 #include "engine/ExerciseSequencer.h"
 #include "ui_frmChkExercise.h"
 
@@ -8,6 +9,7 @@
 #include <QGuiApplication>
 #include <QLineEdit>
 #include <QScreen>
+#include <QWindow>
 
 namespace tarvo {
 
@@ -17,14 +19,22 @@ constexpr int kLeastMinutes = 1;
 constexpr int kMostMinutes = 120;
 } // namespace
 
-frmChkExercise::frmChkExercise(ExerciseSequencer& sequencer, QWidget* parent)
+frmChkExercise::frmChkExercise(ExerciseSequencer& sequencer, WindowSession& session, QWidget* parent)
     : QWidget(parent, Qt::Window | Qt::WindowStaysOnTopHint)
     , ui(std::make_unique<Ui::frmChkExercise>())
     , sequencer_(sequencer) {
     ui->setupUi(this);
     setAttribute(Qt::WA_DeleteOnClose);
-    // Shown without activating: whatever the user is typing in keeps the keyboard.
+    // Shown without activating: whatever the user is typing in keeps the keyboard. Where the window
+    // manager gives every new window the keyboard (sway), the prompt takes none at all until the user
+    // clicks into it.
     setAttribute(Qt::WA_ShowWithoutActivating);
+    if (session.wayland()) {
+        setWindowFlag(Qt::WindowDoesNotAcceptFocus);
+        session.offerNoFocus(*this);
+    }
+    for (QWidget* child : findChildren<QWidget*>())
+        child->installEventFilter(this);
     // The minutes field is the list's own line edit, which no label can point at; the spinner's arrows
     // take their names from it.
     ui->cmbMinutes->lineEdit()->setAccessibleName(tr("Minutes to postpone"));
@@ -37,6 +47,17 @@ frmChkExercise::frmChkExercise(ExerciseSequencer& sequencer, QWidget* parent)
 }
 
 frmChkExercise::~frmChkExercise() = default;
+
+bool frmChkExercise::eventFilter(QObject* watched, QEvent* event) {
+    // A click into the prompt is the user turning to it: from then on it takes the keyboard like any
+    // window (the flag changes on the window in place, without hiding it).
+    if (event->type() == QEvent::MouseButtonPress && windowHandle() &&
+        windowHandle()->flags().testFlag(Qt::WindowDoesNotAcceptFocus)) {
+        windowHandle()->setFlag(Qt::WindowDoesNotAcceptFocus, false);
+        activateWindow();
+    }
+    return QWidget::eventFilter(watched, event);
+}
 
 void frmChkExercise::Form_Load() {
     ui->cmbMinutes->setEditText(sequencer_.promptLoaded());

@@ -13,6 +13,7 @@ QT_END_NAMESPACE
 namespace tarvo {
 
 class ExerciseSequencer;
+class WindowSession;
 
 // "Exercise...": the prompt that offers an exercise break when its minutes have run out. It comes up
 // above every other window but leaves the keyboard where the user is typing; "&Exercise Now..." starts
@@ -23,7 +24,7 @@ class frmChkExercise : public QWidget {
     Q_OBJECT
 
 public:
-    explicit frmChkExercise(ExerciseSequencer& sequencer, QWidget* parent = nullptr);
+    frmChkExercise(ExerciseSequencer& sequencer, WindowSession& session, QWidget* parent = nullptr);
     ~frmChkExercise() override;
 
 private slots:
@@ -32,6 +33,7 @@ private slots:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void Form_Load();

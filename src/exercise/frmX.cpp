@@ -1,6 +1,7 @@
 #include "exercise/frmX.h"
 
 #include "controls/ExerciseMedia.h"
+#include "core/WindowSession.h"
 #include "engine/ExerciseSequencer.h"
 #include "settings/SettingsRecord.h"
 #include "ui_frmX.h"
@@ -29,12 +30,13 @@ constexpr double kMoveThresholdTwips = 50;
 } // namespace
 
 frmX::frmX(const SettingsRecord& settings, ExerciseMedia& media, ExerciseSequencer& sequencer,
-           QWidget* parent)
+           const WindowSession& session, QWidget* parent)
     : QWidget(parent)
     , ui(std::make_unique<Ui::frmX>())
     , settings_(settings)
     , media_(media)
-    , sequencer_(sequencer) {
+    , sequencer_(sequencer)
+    , session_(session) {
     ui->setupUi(this);
     ui->amx->setListener(this);
     ui->MMControl1->setListener(this);
@@ -80,7 +82,10 @@ void frmX::showExercise(const QString& file, bool topmost) {
     const bool blank = settings_.BlankX != 0;
     layOut(blank);
     if (blank) {
-        setWindowState(Qt::WindowMaximized);
+        // The window manager of a Wayland session need not maximise an X11 window (sway tiles it beside
+        // the user's windows instead, leaving them in sight); full screen covers the monitor there, and
+        // over the black backdrop it looks the same.
+        setWindowState(session_.wayland() ? Qt::WindowFullScreen : Qt::WindowMaximized);
     } else {
         setWindowState(Qt::WindowNoState);
         covers_.uncover();
@@ -186,6 +191,12 @@ void frmX::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     // A maximised player learns its size from the window manager only now.
     layOut(blank_);
+    covers_.follow(geometry());
+}
+
+void frmX::moveEvent(QMoveEvent* event) {
+    QWidget::moveEvent(event);
+    covers_.follow(geometry());
 }
 
 void frmX::keyPressEvent(QKeyEvent* event) {

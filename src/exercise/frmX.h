@@ -23,6 +23,7 @@ namespace tarvo {
 class ExerciseMedia;
 class ExerciseSequencer;
 struct SettingsRecord;
+class WindowSession;
 
 // The exercise player: the media surface amx (in the picture box Picture1) with the exercise's video
 // or picture, the button bar MMControl1 under it, and its title counting the exercise's seconds down.
@@ -48,7 +49,7 @@ class frmX : public QWidget,
 
 public:
     frmX(const SettingsRecord& settings, ExerciseMedia& media, ExerciseSequencer& sequencer,
-         QWidget* parent = nullptr);
+         const WindowSession& session, QWidget* parent = nullptr);
     ~frmX() override;
 
     MediaSurface& surface();
@@ -70,6 +71,7 @@ public:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
@@ -96,6 +98,7 @@ private:
     const SettingsRecord& settings_;
     ExerciseMedia& media_;
     ExerciseSequencer& sequencer_;
+    const WindowSession& session_;
     ScreenCovers covers_;
     Covers coversState_ = Covers::Down;
     bool blank_ = false;

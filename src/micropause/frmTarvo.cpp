@@ -143,6 +143,7 @@ void frmTarvo::presentBreak(bool blank) {
     if (blank) {
         setBackground(Qt::black);
         ui->picBlack->hide();
+        freeSize();
         setGeometry(screen->geometry());
         setWindowState(Qt::WindowFullScreen);
         Form_Resize();
@@ -154,6 +155,10 @@ void frmTarvo::presentBreak(bool blank) {
         setGeometry(QRect(area.x() + (area.width() - layout.panel.width()) / 2,
                           area.y() + (area.height() - layout.panel.height()) / 2, layout.panel.width(),
                           layout.panel.height()));
+        // A fixed size says what the panel is: a window that is not to be resized. Tiling window
+        // managers (sway, with XWayland's windows) float such a window at its size instead of tiling
+        // it into the user's workspace.
+        setFixedSize(layout.panel);
         Form_Resize();
     }
     show();
@@ -169,6 +174,11 @@ void frmTarvo::presentBreak(bool blank) {
     repaint();
 }
 
+void frmTarvo::freeSize() {
+    setMinimumSize(0, 0);
+    setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+}
+
 void frmTarvo::dismissBreak() {
     releaseKeyboard();
     covers_.uncover();
@@ -176,6 +186,7 @@ void frmTarvo::dismissBreak() {
     hide();
     setWindowFlags(Qt::Window);
     setWindowState(Qt::WindowNoState);
+    freeSize();
     setBackground(QColor());
     ui->picBlack->hide();
     ui->picPB->hide();
@@ -224,6 +235,12 @@ void frmTarvo::keyPressEvent(QKeyEvent* event) {
 void frmTarvo::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     Form_Resize();
+    covers_.follow(geometry());
+}
+
+void frmTarvo::moveEvent(QMoveEvent* event) {
+    QWidget::moveEvent(event);
+    covers_.follow(geometry());
 }
 
 void frmTarvo::changeEvent(QEvent* event) {

@@ -62,6 +62,7 @@ public slots:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
     void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -69,6 +70,7 @@ private:
     void escapeOnCover() override;
     void Form_Resize();
     void applyBreakLayout(const BreakLayout& layout, bool blank);
+    void freeSize(); // undoes the fixed size of a break at its own size
     void setBackground(const QColor& color);
 
     std::unique_ptr<Ui::frmTarvo> ui;

@@ -119,6 +119,7 @@ int runTarvo(int& argc, char** argv) {
         return 1;
     }
 
+    chooseQtPlatformForSession();
     std::optional<DesktopRequired> desktopRequired(std::in_place);
     TarvoApplication app(argc, argv);
     desktopRequired.reset();
@@ -127,7 +128,7 @@ int runTarvo(int& argc, char** argv) {
     try {
         AppContext ctx({platform.store(), platform.clock(), platform.timers(), platform.monitor(),
                         platform.sound(), platform.messages(), platform.files(), platform.media(),
-                        platform.random(), platform.presence()},
+                        platform.random(), platform.windowSession(), platform.presence()},
                        platform.programFolder());
         const QIcon icon = programIcon();
         QApplication::setWindowIcon(icon); // every window of the program carries it

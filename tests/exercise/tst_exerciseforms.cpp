@@ -9,8 +9,10 @@
 #include "support/QuietViews.h"
 
 #include <QComboBox>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QToolButton>
+#include <QWindow>
 #include <QtTest>
 
 using namespace tarvo;
@@ -60,7 +62,7 @@ private slots:
     // that the next tick wraps to the first, and a click or Enter skips; next and previous step through
     // the exercises, pause stops the countdown and switches the buttons; Esc on the form asks whether to quit
     // and leaves the countdown running after No, even when it had been paused; the stop button with Yes ends
-    // the break.
+    // the break. In a Wayland session the blanked player is full screen instead of maximised.
     void thePlayerAndItsGestures() {
         Rig rig;
         rig.startABreak();
@@ -130,14 +132,20 @@ private slots:
         player.findChild<QToolButton*>("Stop")->click();
         rig.timeline.advance(1000);
         QVERIFY(!rig.ctx.schedule.InExerciseBreak && !player.isVisible());
+
+        rig.windowSession.inWayland = true; // whose window manager may tile a maximised window
+        rig.ctx.record.BlankX = 1;
+        rig.startABreak();
+        QVERIFY(player.windowState() & Qt::WindowFullScreen);
     }
 
     // The prompt shows the last postponement, which becomes the minutes to the next prompt; Later takes
     // what was typed (5 for anything but a number, at most 120, no lower limit), saves it and closes the
     // prompt, so that the exercise countdown runs again and brings the prompt back when it runs out;
-    // Exercise Now starts the break.
+    // Exercise Now starts the break. In a Wayland session it comes without taking the keyboard.
     void thePromptPutsTheBreakOffOrStartsIt() {
         Rig rig;
+        rig.windowSession.inWayland = true;
         rig.store.model().setValue("Exercise", "ProcrastinateM", "7");
         QString last = "7";
         for (const auto& [typed, minutes] : {std::pair{"abc", 5}, std::pair{"-3", -3}, std::pair{"0", 0},
@@ -154,8 +162,13 @@ private slots:
             last = QString::number(minutes);
         }
         rig.timeline.advance(12 * 60000);
-        QVERIFY(rig.screens.prompt()); // once the 12 minutes have run out
-        rig.screens.prompt()->findChild<QPushButton*>("cmdOK")->click();
+        frmChkExercise* prompt = rig.screens.prompt(); // once the 12 minutes have run out
+        QVERIFY(prompt && rig.windowSession.windows.back() == prompt);
+        // It takes no keyboard when it comes, until the user clicks into it.
+        QVERIFY(prompt->windowHandle()->flags().testFlag(Qt::WindowDoesNotAcceptFocus));
+        QTest::mousePress(prompt->findChild<QComboBox*>("cmbMinutes")->lineEdit(), Qt::LeftButton);
+        QVERIFY(!prompt->windowHandle()->flags().testFlag(Qt::WindowDoesNotAcceptFocus));
+        prompt->findChild<QPushButton*>("cmdOK")->click();
         QVERIFY(rig.ctx.schedule.InExerciseBreak && rig.ctx.schedule.MinutesToExercise == 0);
     }
 

@@ -8,6 +8,7 @@
 #include "platform/fake/MemoryRegistryStore.h"
 #include "platform/fake/RecordingMediaCommands.h"
 #include "platform/fake/RecordingSoundPlayer.h"
+#include "platform/fake/RecordingWindowSession.h"
 #include "platform/fake/ScriptedFileDialog.h"
 #include "platform/fake/ScriptedMessageBox.h"
 #include "platform/fake/ScriptedRandom.h"
@@ -25,7 +26,7 @@ struct FakeContext {
     explicit FakeContext(QString programFolder = QStringLiteral("/opt/tarvo"), const MonitorMaker& make = {})
         : madeMonitor(make ? make(clock) : nullptr)
         , ctx({store, clock, timeline, madeMonitor ? *madeMonitor : monitor, sound, messages, files, media,
-               random, presence},
+               random, windowSession, presence},
               std::move(programFolder)) {}
 
     tarvo::MemoryRegistryStore store;
@@ -37,6 +38,7 @@ struct FakeContext {
     tarvo::ScriptedFileDialog files;
     tarvo::RecordingMediaCommands media;
     tarvo::ScriptedRandom random;
+    tarvo::RecordingWindowSession windowSession;
     tarvo::FakePresenceMonitor presence;
     std::unique_ptr<tarvo::ActivityMonitor> madeMonitor;
     tarvo::AppContext ctx;

@@ -13,15 +13,20 @@ namespace tarvo {
 
 namespace {
 
+// Only the reason for the X11 source is known here; in a Wayland session it is given only when the
+// compositor's sources have been tried in vain, so it names what that compositor lacks.
 QString whyNoX11(const QString& qtPlatform) {
+    const QString noIdleProtocol =
+        QStringLiteral("this is a Wayland session whose compositor offers neither ext-idle-notify-v1 "
+                       "nor GNOME's idle monitor");
     if (qtPlatform.startsWith(QLatin1String("wayland")))
-        return QStringLiteral("this is a Wayland session");
+        return noIdleProtocol;
     if (qtPlatform != QLatin1String("xcb"))
         return QStringLiteral("the program is not running on an X11 display (Qt platform \"%1\")")
             .arg(qtPlatform);
     if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
         qEnvironmentVariable("XDG_SESSION_TYPE").compare(QLatin1String("wayland"), Qt::CaseInsensitive) == 0)
-        return QStringLiteral("this is a Wayland session (its X11 server sees only input to X11 windows)");
+        return noIdleProtocol + QStringLiteral(" (and its X11 server sees only input to X11 windows)");
     if (qEnvironmentVariableIsEmpty("DISPLAY"))
         return QStringLiteral("there is no X11 display (DISPLAY is not set)");
     return {};

@@ -99,7 +99,8 @@ ExtIdleNotifyMonitor::~ExtIdleNotifyMonitor() {
 }
 
 QString ExtIdleNotifyMonitor::description() const {
-    return QStringLiteral("Natural pauses are detected through the compositor's idle notification.");
+    return QStringLiteral(
+        "Natural pauses are detected through the compositor's idle notification (ext-idle-notify-v1).");
 }
 
 QString ExtIdleNotifyMonitor::lostReason() const {

@@ -13,6 +13,7 @@
 #include "platform/linux/QtTrayIcon.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/SystemRandom.h"
+#include "platform/linux/X11WindowSession.h"
 #include "platform/linux/XkbStateFollower.h"
 
 #include <QDBusConnection>
@@ -63,6 +64,7 @@ struct LinuxPlatform::Seams {
     QtFileDialog files;
     MciMediaCommands media{folder + QStringLiteral("/tarvovideo")};
     SystemRandom random;
+    X11WindowSession windowSession;
     std::unique_ptr<XkbStateFollower> keyboardState = XkbStateFollower::attach();
     DesktopPresence presence{QDBusConnection::sessionBus(), systemBusIfRunning(), true};
 };
@@ -109,6 +111,9 @@ MediaCommands& LinuxPlatform::media() {
 }
 RandomSource& LinuxPlatform::random() {
     return seams_->random;
+}
+WindowSession& LinuxPlatform::windowSession() {
+    return seams_->windowSession;
 }
 PresenceMonitor& LinuxPlatform::presence() {
     return seams_->presence;

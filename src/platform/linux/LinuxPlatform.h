@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/linux/LinuxFiles.h" // programFolder() and openUserStore() serve the whole program too
+#include "platform/linux/LinuxFiles.h"      // programFolder() and openUserStore() serve the whole program too
+#include "platform/linux/SessionPlatform.h" // the Qt platform, chosen before the application exists
 
 #include <QString>
 
@@ -16,6 +17,7 @@ class MessageBox;
 class PresenceMonitor;
 class ProcessRunner;
 class RandomSource;
+class WindowSession;
 class RegistryStore;
 class SingleInstance;
 class SoundPlayer;
@@ -60,6 +62,7 @@ public:
     FileDialog& files();
     MediaCommands& media();
     RandomSource& random();
+    WindowSession& windowSession();
     PresenceMonitor& presence();
 
 private:

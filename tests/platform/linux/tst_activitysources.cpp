@@ -7,6 +7,7 @@
 #include "platform/linux/ActivityMonitorFactory.h"
 #include "platform/linux/ExtIdleNotifyMonitor.h"
 #include "platform/linux/MutterIdleMonitor.h"
+#include "platform/linux/SessionPlatform.h"
 #include "platform/linux/X11ActivityMonitor.h"
 #include "support/XvfbServer.h"
 
@@ -215,9 +216,12 @@ private slots:
     void theSessionDecidesTheSource() {
         FakeClock clock;
         const QString x11 = "Natural pauses are detected from the keyboard and mouse of the X11 display.";
-        const QString compositor = "Natural pauses are detected through the compositor's idle notification.";
+        const QString compositor =
+            "Natural pauses are detected through the compositor's idle notification (ext-idle-notify-v1).";
         const QString gnome = "Natural pauses are detected through GNOME's idle monitor.";
         const QString none = "Natural pauses are not detected here: ";
+        const QString noIdleProtocol = none + "this is a Wayland session whose compositor offers neither "
+                                              "ext-idle-notify-v1 nor GNOME's idle monitor";
         struct {
             const char* platform;
             QByteArray display;
@@ -231,8 +235,8 @@ private slots:
             {"xcb", xvfb_.display(), "wayland-0", true, gnome},
             {"xcb", QByteArray(), "", false, none + "there is no X11 display (DISPLAY is not set)."},
             {"xcb", xvfb_.display(), "wayland-0", false,
-             none + "this is a Wayland session (its X11 server sees only input to X11 windows)."},
-            {"wayland", xvfb_.display(), "", false, none + "this is a Wayland session."},
+             noIdleProtocol + " (and its X11 server sees only input to X11 windows)."},
+            {"wayland", xvfb_.display(), "", false, noIdleProtocol + "."},
             {"xcb", ":4077", "", false, none + "cannot connect to the X11 display \":4077\"."},
             {"offscreen", xvfb_.display(), "", false,
              none + "the program is not running on an X11 display (Qt platform \"offscreen\")."},
@@ -250,6 +254,16 @@ private slots:
         }
         qunsetenv("WAYLAND_DISPLAY");
         qputenv("DISPLAY", xvfb_.display());
+    }
+
+    // Windows go through XWayland where a Wayland session offers X11; the user's own choice stands.
+    void aWaylandSessionWithX11ChoosesXWayland() {
+        QCOMPARE(qtPlatformForSession({"", "", ":1", "wayland"}), "xcb");
+        QCOMPARE(qtPlatformForSession({"", "wayland-0", ":1", ""}), "xcb");
+        for (const SessionEnvironment& kept : {SessionEnvironment{"wayland", "wayland-0", ":1", "wayland"},
+                                               {"", "wayland-0", "", "wayland"},
+                                               {"", "", ":1", "x11"}})
+            QCOMPARE(qtPlatformForSession(kept), QByteArray());
     }
 
     // A lost X11 connection is made again when the display is back, and otherwise gives way to the user

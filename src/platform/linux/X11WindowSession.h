@@ -1,0 +1,17 @@
+#pragma once
+
+#include "core/WindowSession.h"
+
+namespace tarvo {
+
+// A Wayland session is one that names its Wayland display or its type. On Qt's X11 platform a window
+// that takes no focus has WM_TAKE_FOCUS taken out of its WM_PROTOCOLS, so that with an input hint of
+// false (Qt::WindowDoesNotAcceptFocus) the window manager sees a window that takes no input focus;
+// elsewhere nothing is done: Qt's flag is all a platform offers.
+class X11WindowSession : public WindowSession {
+public:
+    bool wayland() const override;
+    void offerNoFocus(QWidget& window) override;
+};
+
+} // namespace tarvo
