@@ -26,7 +26,7 @@ const Clock& systemClock() {
 
 QString historyFilePath() {
     QString base = qEnvironmentVariable("XDG_DATA_HOME");
-    if (base.isEmpty() || !QDir::isAbsolutePath(base)) // as the base directory specification says
+    if (base.isEmpty() || !QDir::isAbsolutePath(base)) // XDG ignores a relative data home
         base = QDir::homePath() + QStringLiteral("/.local/share");
     return base + QStringLiteral("/tarvo/history.sqlite");
 }
