@@ -129,4 +129,12 @@ run_breaks() { # <idle source>
     screenshot player-blanked
     quit_player
     echo "ok - the blanked player shows its video and covers both outputs and the native window"
+
+    # The minute without input before the prompt was a natural pause where the compositor tells idle
+    # time, and none where it does not; the history has each told by the program's end.
+    "$bin/tarvo" shutdown && wait "$tarvo" || true
+    naturals=$("$bin/tarvo" history --csv | grep -c ',micropause,credited,' || true)
+    if [ "$1" = none ]; then [ "$naturals" = 0 ]; else [ "$naturals" -gt 0 ]; fi ||
+        fail "natural pauses recorded ($naturals) do not match the idle source ($1)"
+    echo "ok - natural pauses recorded: $naturals ($1)"
 }
