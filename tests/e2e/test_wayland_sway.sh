@@ -11,16 +11,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 needs sway swaymsg grim wtype jq Xwayland xdotool xdpyinfo setpriv
 as_ordinary_user "$here/$(basename "$0")" "$@"
 
-cat >"$work/sway.config" <<CONFIG
-xwayland force
-output HEADLESS-1 resolution 1280x800 position 0 0
-output HEADLESS-2 resolution 1280x800 position 1280 0
-exec env >$work/session.env
-CONFIG
-WLR_BACKENDS=headless WLR_HEADLESS_OUTPUTS=2 WLR_RENDERER=pixman WLR_LIBINPUT_NO_DEVICES=1 \
-    sway -c "$work/sway.config" >"$work/sway.log" 2>&1 &
-pids+=($!)
-join_session sway
+start_sway
 
 # The first key of a fresh virtual keyboard can be lost while its keymap travels: a Shift goes first.
 key() { wtype -k Shift_L -k "$1"; }

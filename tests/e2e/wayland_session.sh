@@ -30,6 +30,20 @@ join_session() { # <compositor>
     wait_for 100 xdpyinfo || fail "XWayland did not start"
 }
 
+# Sway, headless with two outputs side by side and XWayland.
+start_sway() {
+    cat >"$work/sway.config" <<CONFIG
+xwayland force
+output HEADLESS-1 resolution 1280x800 position 0 0
+output HEADLESS-2 resolution 1280x800 position 1280 0
+exec env >$work/session.env
+CONFIG
+    WLR_BACKENDS=headless WLR_HEADLESS_OUTPUTS=2 WLR_RENDERER=pixman WLR_LIBINPUT_NO_DEVICES=1 \
+        sway -c "$work/sway.config" >"$work/sway.log" 2>&1 &
+    pids+=($!)
+    join_session sway
+}
+
 set -E # a command that stops the script is named, in a function too
 
 windows() { xdotool search --onlyvisible --pid "$tarvo" 2>/dev/null | sort; }
