@@ -1,5 +1,6 @@
 #include "platform/linux/QtTrayIcon.h"
 
+#include "platform/linux/QtXcb.h"
 #include "platform/linux/TrayStandInWindow.h"
 #include "platform/linux/X11TrayHostWatcher.h"
 
@@ -54,13 +55,9 @@ void QtTrayIcon::add(const QIcon& icon, const QString& tip, Listener& listener) 
         standIn_->setWindowTitle(tip_);
     }
     if (!watcher_) {
-        // Only Qt's X11 platform has a connection to watch the tray host on; other platforms may still
-        // answer for the X11 interface (the offscreen one does, without a connection).
-        auto* x11 = QGuiApplication::platformName() == QLatin1String("xcb")
-                        ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>()
-                        : nullptr;
-        if (x11 != nullptr && x11->connection() != nullptr) {
-            watcher_ = std::make_unique<X11TrayHostWatcher>(x11->connection());
+        // Only Qt's X11 platform has a connection to watch the tray host on.
+        if (xcb_connection_t* connection = qtXcbConnection()) {
+            watcher_ = std::make_unique<X11TrayHostWatcher>(connection);
             connect(watcher_.get(), &X11TrayHostWatcher::hostChanged, this, &QtTrayIcon::placeIcon);
         }
     }

@@ -1,5 +1,7 @@
 #include "platform/linux/X11FullScreenWatcher.h"
 
+#include "platform/linux/QtXcb.h"
+
 #include <QGuiApplication>
 #include <QMetaObject>
 #include <QObject>
@@ -10,21 +12,8 @@
 
 namespace tarvo {
 
-namespace {
-
-struct FreeDeleter {
-    void operator()(void* p) const { std::free(p); }
-};
-template <typename T>
-using XcbReply = std::unique_ptr<T, FreeDeleter>;
-
-} // namespace
-
 std::unique_ptr<X11FullScreenWatcher> X11FullScreenWatcher::attach(std::function<void()> changed) {
-    if (qGuiApp == nullptr || QGuiApplication::platformName() != QLatin1String("xcb"))
-        return nullptr;
-    auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    xcb_connection_t* connection = x11 != nullptr ? x11->connection() : nullptr;
+    xcb_connection_t* connection = qtXcbConnection();
     if (connection == nullptr)
         return nullptr;
     std::unique_ptr<X11FullScreenWatcher> watcher(new X11FullScreenWatcher(connection, std::move(changed)));

@@ -1,5 +1,7 @@
 #include "platform/linux/X11TrayHostWatcher.h"
 
+#include "platform/linux/QtXcb.h"
+
 #include <QCoreApplication>
 #include <QMetaObject>
 
@@ -11,12 +13,6 @@
 namespace tarvo {
 
 namespace {
-
-struct FreeDeleter {
-    void operator()(void* p) const { std::free(p); }
-};
-template <typename T>
-using XcbReply = std::unique_ptr<T, FreeDeleter>;
 
 std::uint32_t internAtom(xcb_connection_t* connection, const std::string& name) {
     const xcb_intern_atom_cookie_t cookie =

@@ -1,5 +1,7 @@
 #include "platform/linux/XkbStateFollower.h"
 
+#include "platform/linux/QtXcb.h"
+
 #include <QGuiApplication>
 #include <QWindow>
 
@@ -11,10 +13,7 @@
 namespace tarvo {
 
 std::unique_ptr<XkbStateFollower> XkbStateFollower::attach() {
-    if (qGuiApp == nullptr || QGuiApplication::platformName() != QLatin1String("xcb"))
-        return nullptr;
-    auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    xcb_connection_t* connection = x11 != nullptr ? x11->connection() : nullptr;
+    xcb_connection_t* connection = qtXcbConnection();
     if (connection == nullptr)
         return nullptr;
     // Qt has already enabled the extension on its connection, or found it missing.

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdlib>
+#include <memory>
+
+struct xcb_connection_t;
+
+namespace tarvo {
+
+// Qt's own connection to the X server, where the application runs on Qt's X11 platform; null
+// elsewhere (other platforms may still answer for the X11 interface, the offscreen one without a
+// connection). What follows the desktop through it adds no socket of its own.
+xcb_connection_t* qtXcbConnection();
+
+// A reply or error of XCB, which the caller frees.
+struct XcbFree {
+    void operator()(void* p) const { std::free(p); }
+};
+template <typename T>
+using XcbReply = std::unique_ptr<T, XcbFree>;
+
+} // namespace tarvo
