@@ -12,14 +12,26 @@
 #   screenshot <name>       keeps what is seen in $shots
 
 # Run as root, the script runs itself again as an unprivileged user (compositors such as sway refuse
-# root), on a session bus of that user's own, who may write the screenshots.
+# root), on a session bus of that user's own. The checkout may lie where that user cannot enter (a
+# clone in root's home, a private temporary folder): the user runs a copy of the scripts, the program
+# folder and the native test window, and the screenshots taken come back when the session ends.
 as_ordinary_user() { # <script> <program folder> <screenshot folder> <test folder>
     bin=$2 shots=$3 tests=$4
     [ "$(id -u)" = 0 ] || return 0
     id tarvo-e2e >/dev/null 2>&1 || useradd --system --no-create-home --shell /usr/sbin/nologin tarvo-e2e
-    mkdir -p "$3" && chown -R tarvo-e2e "$3" && rm -rf "$work"
-    exec setpriv --reuid=tarvo-e2e --regid=tarvo-e2e --init-groups env -u DBUS_SESSION_BUS_ADDRESS \
-        -u XDG_RUNTIME_DIR dbus-run-session -- "$@"
+    local top copy status=0
+    top=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+    copy=$(mktemp -d /tmp/tarvo-e2e.XXXXXX)
+    mkdir -p "$copy/tree/tests" "$copy/shots" "$copy/tests"
+    cp -r "$top/tests/e2e" "$copy/tree/tests/" && cp -r "$top/bench" "$copy/tree/" && cp -r "$2" "$copy/bin"
+    [ ! -e "$4/work_window" ] || cp "$4/work_window" "$copy/tests/"
+    chmod 755 "$copy" && chown -R tarvo-e2e "$copy"
+    setpriv --reuid=tarvo-e2e --regid=tarvo-e2e --init-groups env -u DBUS_SESSION_BUS_ADDRESS \
+        -u XDG_RUNTIME_DIR dbus-run-session -- \
+        "$copy/tree/$(realpath --relative-to="$top" "$1")" "$copy/bin" "$copy/shots" "$copy/tests" || status=$?
+    mkdir -p "$3" && cp -r "$copy/shots/." "$3/"
+    rm -rf "$copy"
+    exit "$status"
 }
 unset QT_QPA_PLATFORM WAYLAND_DISPLAY DISPLAY SWAYSOCK XAUTHORITY
 # The session's displays, from the environment the compositor gave a command it started, which wrote
