@@ -94,7 +94,13 @@ stand_in_menu() { # <key>
     done
     fail "the menu did not take the key $1"
 }
-restart() { "$bin/tarvo" shutdown && wait "$tarvo" || true; start_tarvo "$@"; } # [<.reg lines>...]
+# The program ended keeps what it said in $work/earlier.err.
+restart() { # [<.reg lines>...]
+    "$bin/tarvo" shutdown || echo "(shutdown failed)" >>"$work/tarvo.err"
+    wait "$tarvo" || echo "(ended with status $?)" >>"$work/tarvo.err"
+    cat "$work/tarvo.err" >>"$work/earlier.err"
+    start_tarvo "$@"
+}
 # Esc asks whether to quit the exercise break, and Return says yes.
 quit_player() {
     key Escape
@@ -160,8 +166,12 @@ run_breaks() { # <idle source>
     # The minute without input before the prompt was a natural pause where the compositor tells idle
     # time, and none where it does not; the history has each told by the program's end.
     "$bin/tarvo" shutdown && wait "$tarvo" || true
-    naturals=$("$bin/tarvo" history --csv | grep -c ',micropause,credited,' || true)
+    "$bin/tarvo" history --csv >"$work/history.csv" || fail "the history could not be exported"
+    naturals=$(grep -c ',micropause,credited,' "$work/history.csv" || true)
     if [ "$1" = none ]; then [ "$naturals" = 0 ]; else [ "$naturals" -gt 0 ]; fi ||
-        fail "natural pauses recorded ($naturals) do not match the idle source ($1)"
+        fail "natural pauses recorded ($naturals) do not match the idle source ($1); the history:
+$(cat "$work/history.csv")
+what the program said before its last start:
+$(cat "$work/earlier.err")"
     echo "ok - natural pauses recorded: $naturals ($1)"
 }
