@@ -72,7 +72,7 @@ break_window() {
 no_break() { ! break_window; }
 # The native window of the user's work says when the compositor stops and starts showing it.
 work_is() { [ "$(grep -xE 'shown|covered' "$work/busy.out" | tail -n 1)" = "$1" ]; }
-video_window() { xdotool search --onlyvisible --pid "$(pgrep -n -u "$(id -u)" tarvovideo)" 2>/dev/null | head -n 1; }
+video_window() { xdotool search --onlyvisible --pid "$(pgrep -n -P "$tarvo" tarvovideo)" 2>/dev/null | head -n 1; }
 video_plays() { local first; first=$(picture "$(video_window)") && sleep 1 && [ "$(picture "$(video_window)")" != "$first" ]; }
 
 # The user opens the menu of the stand-in window (there is no tray in these sessions) with a second
