@@ -71,8 +71,19 @@ void MutterIdleMonitor::stopWatching() {
 
 void MutterIdleMonitor::watchFired(std::uint32_t id) {
     ++firings_;
+    fired(id);
+}
+
+void MutterIdleMonitor::fired(std::uint32_t id) {
     if (id == 0 || !lost_.isEmpty())
         return;
+    if (id != idleWatch_ && id != activeWatch_) {
+        // Perhaps the firing of a watch whose number is still on its way (see addWatch); a firing of
+        // a watch withdrawn meanwhile is forgotten once no answer is outstanding.
+        if (callsUnderWay_ > 0 && early_.size() < kMostEarlyFirings)
+            early_.push_back(id);
+        return;
+    }
     if (id == idleWatch_) {
         idled();
         // One user-active watch at a time: the idle watch fires again after input that came before the
@@ -89,6 +100,10 @@ void MutterIdleMonitor::watchFired(std::uint32_t id) {
 
 void MutterIdleMonitor::addWatch(const QString& method, const QVariantList& arguments,
                                  std::function<void(std::uint32_t)> done) {
+    // The service answers before it fires the watch it made, but Qt hands the answer on only once the
+    // watcher below exists: an answer that arrives before that is delivered after a firing that
+    // arrived meanwhile. Such a firing is kept until the answer tells whose it is.
+    ++callsUnderWay_;
     auto* call =
         new QDBusPendingCallWatcher(proxy_->asyncCallWithArgumentList(method, arguments), proxy_.get());
     QObject::connect(
@@ -96,16 +111,23 @@ void MutterIdleMonitor::addWatch(const QString& method, const QVariantList& argu
         [this, call, round = round_, done = std::move(done)] {
             call->deleteLater();
             const QDBusPendingReply<uint> reply = *call;
+            const bool last = --callsUnderWay_ == 0;
             if (reply.isError()) {
                 lose(
                     QStringLiteral("GNOME's idle monitor refused a watch (%1)").arg(reply.error().message()));
                 return;
             }
             std::uint32_t id = reply.value();
-            if (round != round_)
+            const bool firedEarly = std::erase(early_, id) > 0;
+            if (last)
+                early_.clear();
+            if (round != round_) {
                 removeWatch(id); // watching stopped (or restarted) while the call was under way
-            else
-                done(id);
+                return;
+            }
+            done(id);
+            if (firedEarly)
+                fired(id);
         });
 }
 

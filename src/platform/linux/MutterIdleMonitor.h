@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <vector>
 
 class QDBusServiceWatcher;
 
@@ -23,9 +24,10 @@ class MutterIdleMonitorProxy;
 // watch, which fires once at the next input and is then gone. Nothing is polled: while the user
 // works, or while they are away, no message passes at all.
 //
-// Calls are asynchronous, and the service answers a call before it fires the watch the call created,
-// so a watch's number is always known before its firing arrives. The watches are the service's to drop
-// when this process leaves the bus; they are withdrawn explicitly when watching stops.
+// Calls are asynchronous. The service answers a call before it fires the watch the call created, yet a
+// firing can be handed on by Qt before that answer (see addWatch): it is kept until the answer names
+// its watch. The watches are the service's to drop when this process leaves the bus; they are
+// withdrawn explicitly when watching stops.
 //
 // The monitor counts as lost when the service leaves the bus (its compositor ended) or refuses a watch.
 class MutterIdleMonitor : public IdleNotificationMonitor {
@@ -51,6 +53,8 @@ private:
     void stopWatching() override;
 
     void watchFired(std::uint32_t id);
+    // What a firing means, once its watch is known.
+    void fired(std::uint32_t id);
     // Adds a watch; `done` gets its number unless watching has stopped or restarted meanwhile, in which
     // case the watch is removed again at once.
     void addWatch(const QString& method, const QVariantList& arguments,
@@ -65,6 +69,11 @@ private:
     bool activeAsked_ = false; // a user-active watch is asked for or in place
     unsigned round_ = 0;       // counts the starts, so that late answers of an earlier round are told apart
     std::uint64_t firings_ = 0;
+    // Firings of watches not known yet, while calls that add watches are under way (a few at most:
+    // one start and one user-active watch at a time).
+    static constexpr std::size_t kMostEarlyFirings = 4;
+    std::vector<std::uint32_t> early_;
+    int callsUnderWay_ = 0;
     QString lost_;
 };
 

@@ -11,8 +11,9 @@
 // GNOME's idle monitor as its clients see it, on its own connection to a test's bus, with the user's
 // input and idle time made up by the test. As the real one: an idle watch fires each time the idle time
 // reaches its interval (at once when added to a user idle that long already), a user-active watch fires
-// at the next input and is then gone, the answer to a call goes out before any firing it causes, and a
-// firing goes to the watch's owner only.
+// at the next input and is then gone, the answer to a call goes out before any firing it causes (unless
+// fireBeforeAnswer: the order in which a client's Qt may hand the two on), and a firing goes to the
+// watch's owner only.
 class MutterStandIn : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.gnome.Mutter.IdleMonitor")
@@ -56,13 +57,21 @@ public:
     int firings() const { return firings_; }
     quint64 idle() const { return idle_; }
 
+    bool fireBeforeAnswer = false;
+
 public slots:
     Q_SCRIPTABLE quint64 GetIdletime() { return idle_; }
     Q_SCRIPTABLE quint32 AddIdleWatch(quint64 interval) {
         const quint32 id = add(interval);
-        if (interval <= idle_) // after the answer, as the real one does
+        if (interval <= idle_ && fireBeforeAnswer) {
+            setDelayedReply(true);
+            const QDBusMessage answer = message().createReply(id);
+            idleFor(0);
+            bus_.send(answer);
+        } else if (interval <= idle_) { // after the answer, as the real one does
             QMetaObject::invokeMethod(
                 this, [this] { idleFor(0); }, Qt::QueuedConnection);
+        }
         return id;
     }
     Q_SCRIPTABLE quint32 AddUserActiveWatch() { return add(0); }

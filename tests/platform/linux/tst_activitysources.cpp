@@ -213,6 +213,26 @@ private slots:
     // X11 where Qt runs on an X11 display; where X11 cannot see the input the compositor's idle
     // notification, else GNOME's idle monitor; otherwise the user counts as always active, with the
     // reason in the status.
+    // A user away already when watching starts, whose idle watch's firing is handed on before the
+    // watch's number: the firing still counts, though the service never fires that watch again while
+    // the user stays away.
+    void anEarlyFiringCounts() {
+        QVERIFY(mutter_->enter());
+        mutter_->input();
+        mutter_->idleFor(60000);
+        mutter_->fireBeforeAnswer = true;
+        FakeClock clock(100000);
+        MutterIdleMonitor gnome(QDBusConnection::sessionBus(), clock);
+        gnome.InstallFilter(0, true);
+        QTRY_COMPARE(mutter_->watches(false), 1); // the user-active watch asked for: taken as idle
+        const std::int32_t stamp = gnome.VexGetTime(0);
+        clock.advance(5000);
+        QCOMPARE(gnome.VexGetTime(0), stamp);
+        QCOMPARE(gnome.firings(), std::uint64_t(1));
+        mutter_->fireBeforeAnswer = false;
+        mutter_->input();
+    }
+
     void theSessionDecidesTheSource() {
         FakeClock clock;
         const QString x11 = "Natural pauses are detected from the keyboard and mouse of the X11 display.";
