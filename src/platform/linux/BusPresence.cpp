@@ -172,6 +172,7 @@ public:
 
     bool value() const { return value_; }
 
+private:
     void read() {
         auto* call =
             new QDBusPendingCallWatcher(ask(proxy_, QStringLiteral("Get"), {interface_, property_}), &proxy_);
@@ -182,7 +183,6 @@ public:
         });
     }
 
-private:
     void set(bool value) {
         if (std::exchange(value_, value) != value)
             changed_();
@@ -244,11 +244,8 @@ BusPresence::BusPresence(const QDBusConnection& session, const QDBusConnection& 
     , context_(std::make_unique<QObject>()) {
     if (session_.isConnected()) {
         onDisconnection(session_, [this] {
-            notifications_.reset();
-            sessionManager_.reset();
-            freedesktopSaver_.reset();
-            gnomeSaver_.reset();
-            banners_.reset();
+            for (const char* name : kSessionServices)
+                vanish(QLatin1String(name));
         });
         // One watch for all of the session's services, and a follower (its proxy, its signal, its
         // reading) only for a service that is there: a desktop without them costs one match rule.
@@ -271,7 +268,7 @@ BusPresence::BusPresence(const QDBusConnection& session, const QDBusConnection& 
                 appear(QLatin1String(name));
     }
     if (system_.isConnected()) {
-        onDisconnection(system_, [this] { lockedHint_.reset(); });
+        onDisconnection(system_, [this] { vanish(QLatin1String(kLogin)); });
         auto* watch = new QDBusServiceWatcher(QLatin1String(kLogin), system_,
                                               QDBusServiceWatcher::WatchForOwnerChange, context_.get());
         QObject::connect(watch, &QDBusServiceWatcher::serviceOwnerChanged, context_.get(),
@@ -332,10 +329,7 @@ void BusPresence::onDisconnection(const QDBusConnection& bus, std::function<void
     // more (a new daemon is a new session, whose services a new start of the program follows).
     auto* local = new LocalProxy(bus);
     local->setParent(context_.get());
-    QObject::connect(local, &LocalProxy::Disconnected, context_.get(), [this, drop = std::move(drop)] {
-        drop();
-        changed_();
-    });
+    QObject::connect(local, &LocalProxy::Disconnected, context_.get(), std::move(drop));
 }
 
 void BusPresence::findSession() {
