@@ -21,8 +21,11 @@ trap cleanup EXIT
 trap 'echo "FAIL: stopped at line $LINENO by: $BASH_COMMAND"' ERR
 fail() { echo "FAIL: $*"; [ -s "$work/tarvo.err" ] && sed 's/^/  tarvo: /' "$work/tarvo.err"; exit 1; }
 
-# A fresh profile: its settings file is $store.
+# A fresh profile: its settings file is $store. Every base folder is set, not only HOME: the caller's
+# own (say XDG_DATA_HOME, where the history is kept) would be shared between tests, and would not be
+# writable by the ordinary user the Wayland sessions run as.
 export HOME=$work/home XDG_CONFIG_HOME=$work/config XDG_RUNTIME_DIR=$work/runtime
+export XDG_DATA_HOME=$work/data XDG_CACHE_HOME=$work/cache XDG_STATE_HOME=$work/state
 mkdir -p "$HOME" "$XDG_RUNTIME_DIR"
 chmod 700 "$XDG_RUNTIME_DIR"
 store=$XDG_CONFIG_HOME/tarvo/registry.reg
