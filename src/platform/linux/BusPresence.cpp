@@ -115,7 +115,7 @@ public:
         QObject::connect(&proxy_, &PortalSettingsProxy::SettingChanged, &proxy_,
                          [this](const QString& space, const QString& key, const QDBusVariant& value) {
                              if (space == kSpace && key == kKey)
-                                 take(value.variant());
+                                 heard_ = true, take(value.variant());
                          });
         read();
     }
@@ -131,7 +131,8 @@ private:
             new QDBusPendingCallWatcher(ask(proxy_, QStringLiteral("Read"), {kSpace, kKey}), &proxy_);
         QObject::connect(call, &QDBusPendingCallWatcher::finished, &proxy_, [this, call] {
             call->deleteLater();
-            take(call->isError() ? QVariant() : call->reply().arguments().value(0));
+            if (!heard_)
+                take(call->isError() ? QVariant() : call->reply().arguments().value(0));
         });
     }
     void take(const QVariant& value) {
@@ -143,11 +144,15 @@ private:
 
     const std::function<void()> changed_;
     PortalSettingsProxy proxy_;
+    bool heard_ = false; // a change announced since the reading was asked for: newer than its answer
     bool on_ = false;
 };
 
 // One boolean reading of one property, read when the service appears and kept by PropertiesChanged;
-// false while the value is of another type than expected.
+// false while the value is of another type than expected. A change announced while the reading is
+// under way makes its answer stale: the service answers first, but Qt may hand an answer on after a
+// signal that followed it (when the answer came before the call's watcher existed). The same holds
+// for the other followers below.
 class BusProperty {
 public:
     BusProperty(const QDBusConnection& bus, const QString& service, const QString& path, QString interface,
@@ -163,7 +168,7 @@ public:
                 if (interface != interface_)
                     return;
                 if (values.contains(property_))
-                    set(reading_(values.value(property_)));
+                    heard_ = true, set(reading_(values.value(property_)));
                 else if (invalidated.contains(property_))
                     read();
             });
@@ -174,12 +179,14 @@ public:
 
 private:
     void read() {
+        heard_ = false;
         auto* call =
             new QDBusPendingCallWatcher(ask(proxy_, QStringLiteral("Get"), {interface_, property_}), &proxy_);
         QObject::connect(call, &QDBusPendingCallWatcher::finished, &proxy_, [this, call] {
             call->deleteLater();
             const QDBusPendingReply<QDBusVariant> reply = *call;
-            set(!reply.isError() && reading_(reply.value().variant()));
+            if (!heard_)
+                set(!reply.isError() && reading_(reply.value().variant()));
         });
     }
 
@@ -193,6 +200,7 @@ private:
     const std::function<void()> changed_;
     PropertiesProxy proxy_;
     bool value_ = false;
+    bool heard_ = false; // a change announced since the reading was asked for: newer than its answer
 };
 
 // A screen saver's ActiveChanged(bool), with GetActive when it appears.
@@ -203,7 +211,7 @@ public:
         : changed_(std::move(changed))
         , proxy_(QLatin1String(service), QLatin1String(path), bus) {
         QObject::connect(&proxy_, &ScreenSaverProxy::ActiveChanged, &proxy_,
-                         [this](bool active) { set(active); });
+                         [this](bool active) { heard_ = true, set(active); });
         read();
     }
 
@@ -215,7 +223,8 @@ private:
         QObject::connect(call, &QDBusPendingCallWatcher::finished, &proxy_, [this, call] {
             call->deleteLater();
             const QDBusPendingReply<bool> reply = *call;
-            set(!reply.isError() && reply.value());
+            if (!heard_)
+                set(!reply.isError() && reply.value());
         });
     }
     void set(bool active) {
@@ -226,6 +235,7 @@ private:
     const std::function<void()> changed_;
     ScreenSaverProxy proxy_;
     bool active_ = false;
+    bool heard_ = false; // a change announced since the reading was asked for: newer than its answer
 };
 
 namespace {

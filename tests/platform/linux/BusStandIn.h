@@ -5,7 +5,9 @@
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
 
+#include <functional>
 #include <map>
+#include <utility>
 
 // Any desktop service as its clients see it, on its own connection to a test's bus, at a path and below
 // it: it answers
@@ -43,6 +45,9 @@ public:
     }
 
     std::map<QString, QVariant> answers;
+    // Done once, between taking the next call's answer and sending it: a change announced before the
+    // answer reaches the client, the order in which the client's Qt may hand the two on.
+    std::function<void()> beforeAnswer;
 
     QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
@@ -52,6 +57,8 @@ public:
                                 : message.member();
         const auto answer = answers.find(key);
         const QVariant value = answer == answers.end() ? QVariant() : answer->second;
+        if (beforeAnswer)
+            std::exchange(beforeAnswer, {})();
         connection.send(!value.isValid() ? message.createErrorReply(QDBusError::UnknownObject, key)
                         : message.member() != "Get"
                             ? message.createReply(value)

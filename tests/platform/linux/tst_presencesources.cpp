@@ -92,6 +92,20 @@ private slots:
         QTRY_VERIFY(presence.holds(PresenceCondition::DoNotDisturb));
         notifications.change("org.freedesktop.Notifications", "Inhibited", QString("true")); // wrong type
         QTRY_VERIFY(!presence.holds(PresenceCondition::DoNotDisturb));
+        // Back once more, it turns do-not-disturb on just after its reading was answered with "off",
+        // and the client hears the change first: the change stands.
+        QVERIFY(notifications.leave());
+        notifications.answers["org.freedesktop.Notifications.Inhibited"] = false;
+        notifications.beforeAnswer = [&] {
+            notifications.change("org.freedesktop.Notifications", "Inhibited", true);
+        };
+        QVERIFY(notifications.enter());
+        QTRY_VERIFY(!notifications.beforeAnswer);
+        sessionBus.call(QDBusMessage::createMethodCall("org.freedesktop.Notifications",
+                                                       "/org/freedesktop/Notifications", "", "Ping"),
+                        QDBus::BlockWithGui); // after the answer: both have reached the program
+        QCoreApplication::processEvents();
+        QVERIFY(presence.holds(PresenceCondition::DoNotDisturb));
 
         // A session that logind does not know: its lock is never seen; the system bus going away
         // altogether is no harm either.
