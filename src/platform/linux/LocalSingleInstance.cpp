@@ -1,5 +1,6 @@
 #include "platform/linux/LocalSingleInstance.h"
 
+#include <QDateTime>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
@@ -49,6 +50,26 @@ bool socketAddress(const QString& path, sockaddr_un& address) {
         return false;
     std::memcpy(address.sun_path, name.constData(), static_cast<std::size_t>(name.size()));
     return true;
+}
+
+// A lock file that names no holder is left by a start that ended between making the file and writing
+// its process id into it (which follow each other at once). Older than this, it is nobody's.
+constexpr int kUnnamedLockGraceMs = 5000;
+
+// Removes a lock file that names no holder and is older than the grace time, under a second lock so that
+// two starts that both found it do not remove each other's fresh lock; true when it was removed.
+bool removeUnnamedLock(QLockFile& lock, const QString& path) {
+    const auto unnamed = [&] {
+        qint64 pid = 0;
+        QString host, application;
+        const QDateTime modified = QFileInfo(path).lastModified();
+        return !lock.getLockInfo(&pid, &host, &application) && modified.isValid() &&
+               modified.msecsTo(QDateTime::currentDateTime()) >= kUnnamedLockGraceMs;
+    };
+    if (!unnamed())
+        return false;
+    QLockFile removal(path + QStringLiteral(".rmlock"));
+    return removal.tryLock(0) && unnamed() && lock.removeStaleLockFile();
 }
 
 // The instance's answers to a key code: being handled, and handled.
@@ -119,7 +140,8 @@ bool LocalSingleInstance::previousInstance() {
     // Only a holder that is gone makes the lock stale. The default age limit would let a second start
     // take the lock of an instance that has simply been running for more than half a minute.
     lock->setStaleLockTime(0);
-    if (lock->tryLock(0)) {
+    if (lock->tryLock(0) || (lock->error() == QLockFile::LockFailedError &&
+                             removeUnnamedLock(*lock, lockFilePath()) && lock->tryLock(0))) {
         lock_ = std::move(lock);
         return false;
     }

@@ -132,6 +132,18 @@ private slots:
         for (const std::int32_t stale : {killed, 0, -1, second.handle(), notASocket})
             QCOMPARE(second.sendKeyDown(stale, 0), Delivery::NotListening);
         QVERIFY(clock.elapsed() < 1000);
+
+        // A lock file that names nobody (a start that ended before writing its id) is taken for a
+        // start in progress while fresh, and for nobody's once older than a moment.
+        second.release();
+        lockFile.close();
+        QVERIFY(writeFile(lockFile.fileName(), {}));
+        QVERIFY(anotherRuns());
+        QVERIFY(lockFile.open(QIODevice::ReadOnly) &&
+                lockFile.setFileTime(QDateTime::currentDateTime().addSecs(-10),
+                                     QFileDevice::FileModificationTime));
+        lockFile.close();
+        QVERIFY(!second.previousInstance() && anotherRuns());
     }
 
     // Connections that send no key code are cut off without reaching the listener, and so is the oldest
