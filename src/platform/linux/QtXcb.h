@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <string_view>
 
 struct xcb_connection_t;
 
@@ -11,6 +13,9 @@ namespace tarvo {
 // elsewhere (other platforms may still answer for the X11 interface, the offscreen one without a
 // connection). What follows the desktop through it adds no socket of its own.
 xcb_connection_t* qtXcbConnection();
+
+// The atom of a name, asked of the server (a round trip); 0 where it does not answer.
+std::uint32_t internAtom(xcb_connection_t* connection, std::string_view name);
 
 // A reply or error of XCB, which the caller frees.
 struct XcbFree {

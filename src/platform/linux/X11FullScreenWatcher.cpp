@@ -28,9 +28,9 @@ X11FullScreenWatcher::X11FullScreenWatcher(xcb_connection_t* connection, std::fu
     , root_(xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root)
     , idBase_(xcb_get_setup(connection)->resource_id_base)
     , idMask_(xcb_get_setup(connection)->resource_id_mask)
-    , activeAtom_(atom("_NET_ACTIVE_WINDOW"))
-    , stateAtom_(atom("_NET_WM_STATE"))
-    , fullScreenAtom_(atom("_NET_WM_STATE_FULLSCREEN")) {
+    , activeAtom_(internAtom(connection, "_NET_ACTIVE_WINDOW"))
+    , stateAtom_(internAtom(connection, "_NET_WM_STATE"))
+    , fullScreenAtom_(internAtom(connection, "_NET_WM_STATE_FULLSCREEN")) {
     followActive();
 }
 
@@ -39,13 +39,6 @@ X11FullScreenWatcher::~X11FullScreenWatcher() {
         qGuiApp->removeNativeEventFilter(this);
     if (active_ != 0 && !ours(active_))
         listen(active_, XCB_EVENT_MASK_NO_EVENT);
-}
-
-std::uint32_t X11FullScreenWatcher::atom(const char* name) const {
-    const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        connection_, xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(std::strlen(name)), name),
-        nullptr));
-    return reply ? reply->atom : 0;
 }
 
 bool X11FullScreenWatcher::ours(std::uint32_t window) const {
@@ -114,7 +107,7 @@ void X11FullScreenWatcher::followActive() {
 }
 
 bool X11FullScreenWatcher::windowManager() const {
-    const std::uint32_t check = atom("_NET_SUPPORTING_WM_CHECK");
+    const std::uint32_t check = internAtom(connection_, "_NET_SUPPORTING_WM_CHECK");
     const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
         connection_, xcb_get_property(connection_, 0, root_, check, XCB_ATOM_WINDOW, 0, 1), nullptr));
     return reply && reply->type == XCB_ATOM_WINDOW;

@@ -44,7 +44,6 @@ public:
 private:
     X11FullScreenWatcher(xcb_connection_t* connection, std::function<void()> changed);
 
-    std::uint32_t atom(const char* name) const;
     bool ours(std::uint32_t window) const;
     void listen(std::uint32_t window, std::uint32_t mask) const;
     // The round trips of following run from the event loop, after Qt has handled the notification.

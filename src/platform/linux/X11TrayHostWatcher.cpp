@@ -14,13 +14,6 @@ namespace tarvo {
 
 namespace {
 
-std::uint32_t internAtom(xcb_connection_t* connection, const std::string& name) {
-    const xcb_intern_atom_cookie_t cookie =
-        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str());
-    const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
-    return reply ? reply->atom : 0;
-}
-
 int displayScreen() {
     int screen = 0;
     char* host = nullptr;

@@ -1,26 +1,14 @@
 #include "platform/linux/X11WindowSession.h"
 
+#include "platform/linux/QtXcb.h"
+
 #include <QGuiApplication>
 #include <QWidget>
 
-#include <cstdlib>
-#include <cstring>
-#include <memory>
 #include <vector>
 #include <xcb/xcb.h>
 
 namespace tarvo {
-
-namespace {
-
-xcb_atom_t atom(xcb_connection_t* connection, const char* name) {
-    const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
-        xcb_intern_atom_reply(connection, xcb_intern_atom(connection, 0, std::strlen(name), name), nullptr),
-        &std::free);
-    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
-} // namespace
 
 bool X11WindowSession::wayland() const {
     return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
@@ -29,17 +17,14 @@ bool X11WindowSession::wayland() const {
 }
 
 void X11WindowSession::offerNoFocus(QWidget& window) {
-    auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11)
+    xcb_connection_t* connection = qtXcbConnection();
+    if (connection == nullptr)
         return;
-    xcb_connection_t* connection = x11->connection();
     const auto id = static_cast<xcb_window_t>(window.winId());
-    const xcb_atom_t protocols = atom(connection, "WM_PROTOCOLS");
-    const xcb_atom_t takeFocus = atom(connection, "WM_TAKE_FOCUS");
-    const std::unique_ptr<xcb_get_property_reply_t, decltype(&std::free)> reply(
-        xcb_get_property_reply(connection,
-                               xcb_get_property(connection, 0, id, protocols, XCB_ATOM_ATOM, 0, 32), nullptr),
-        &std::free);
+    const xcb_atom_t protocols = internAtom(connection, "WM_PROTOCOLS");
+    const xcb_atom_t takeFocus = internAtom(connection, "WM_TAKE_FOCUS");
+    const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        connection, xcb_get_property(connection, 0, id, protocols, XCB_ATOM_ATOM, 0, 32), nullptr));
     if (!reply || reply->format != 32)
         return;
     const auto* offered = static_cast<const xcb_atom_t*>(xcb_get_property_value(reply.get()));
