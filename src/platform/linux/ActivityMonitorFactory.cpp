@@ -4,6 +4,7 @@
 #include "platform/linux/ExtIdleNotifyMonitor.h"
 #include "platform/linux/FallbackActivityMonitor.h"
 #include "platform/linux/MutterIdleMonitor.h"
+#include "platform/linux/SessionPlatform.h"
 #include "platform/linux/X11ActivityMonitor.h"
 
 #include <QDBusConnection>
@@ -24,8 +25,7 @@ QString whyNoX11(const QString& qtPlatform) {
     if (qtPlatform != QLatin1String("xcb"))
         return QStringLiteral("the program is not running on an X11 display (Qt platform \"%1\")")
             .arg(qtPlatform);
-    if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
-        qEnvironmentVariable("XDG_SESSION_TYPE").compare(QLatin1String("wayland"), Qt::CaseInsensitive) == 0)
+    if (isWaylandSession(currentSession()))
         return noIdleProtocol + QStringLiteral(" (and its X11 server sees only input to X11 windows)");
     if (qEnvironmentVariableIsEmpty("DISPLAY"))
         return QStringLiteral("there is no X11 display (DISPLAY is not set)");

@@ -4,18 +4,25 @@
 
 namespace tarvo {
 
+bool isWaylandSession(const SessionEnvironment& session) {
+    return !session.waylandDisplay.isEmpty() || session.sessionType.toLower() == "wayland";
+}
+
+SessionEnvironment currentSession() {
+    return {qgetenv("QT_QPA_PLATFORM"), qgetenv("WAYLAND_DISPLAY"), qgetenv("DISPLAY"),
+            qgetenv("XDG_SESSION_TYPE")};
+}
+
 QByteArray qtPlatformForSession(const SessionEnvironment& session) {
     if (!session.qtPlatform.isEmpty())
         return {};
-    const bool wayland = !session.waylandDisplay.isEmpty() || session.sessionType.toLower() == "wayland";
-    if (wayland && !session.x11Display.isEmpty())
+    if (isWaylandSession(session) && !session.x11Display.isEmpty())
         return QByteArrayLiteral("xcb");
     return {};
 }
 
 void chooseQtPlatformForSession() {
-    const QByteArray platform = qtPlatformForSession({qgetenv("QT_QPA_PLATFORM"), qgetenv("WAYLAND_DISPLAY"),
-                                                      qgetenv("DISPLAY"), qgetenv("XDG_SESSION_TYPE")});
+    const QByteArray platform = qtPlatformForSession(currentSession());
     if (!platform.isEmpty())
         qputenv("QT_QPA_PLATFORM", platform);
 }

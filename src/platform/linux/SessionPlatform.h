@@ -12,6 +12,11 @@ struct SessionEnvironment {
     QByteArray sessionType;    // $XDG_SESSION_TYPE
 };
 
+// A Wayland session is one that names its Wayland display or its type.
+bool isWaylandSession(const SessionEnvironment& session);
+// The same, of the environment the program runs in.
+SessionEnvironment currentSession();
+
 // The Qt platform the program's windows live on; empty: leave Qt's own choice alone.
 //
 // In a Wayland session that also offers X11 (XWayland, which GNOME, Plasma and sway start for their

@@ -1,8 +1,8 @@
 #include "platform/linux/X11WindowSession.h"
 
 #include "platform/linux/QtXcb.h"
+#include "platform/linux/SessionPlatform.h"
 
-#include <QGuiApplication>
 #include <QWidget>
 
 #include <vector>
@@ -11,9 +11,7 @@
 namespace tarvo {
 
 bool X11WindowSession::wayland() const {
-    return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
-           qEnvironmentVariable("XDG_SESSION_TYPE").compare(QLatin1String("wayland"), Qt::CaseInsensitive) ==
-               0;
+    return isWaylandSession(currentSession());
 }
 
 void X11WindowSession::offerNoFocus(QWidget& window) {

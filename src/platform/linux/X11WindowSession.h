@@ -4,7 +4,7 @@
 
 namespace tarvo {
 
-// A Wayland session is one that names its Wayland display or its type. On Qt's X11 platform a window
+// Whether the session is a Wayland one: isWaylandSession. On Qt's X11 platform a window
 // that takes no focus has WM_TAKE_FOCUS taken out of its WM_PROTOCOLS, so that with an input hint of
 // false (Qt::WindowDoesNotAcceptFocus) the window manager sees a window that takes no input focus;
 // elsewhere nothing is done: Qt's flag is all a platform offers.
