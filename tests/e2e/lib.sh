@@ -65,6 +65,10 @@ visible_window() { xdotool search --onlyvisible --name "$1" >/dev/null 2>&1; }
 # not end a script that runs with errexit and pipefail).
 shown() { { xdotool search --onlyvisible --pid "$tarvo" 2>/dev/null || :; } | wc -l; }
 more_shown_than() { [ "$(shown)" -gt "$1" ]; }
+# The exercise player's video: the window of the helper that the program started; and no player (its
+# title counts the seconds down) on screen.
+video_window() { xdotool search --onlyvisible --pid "$(pgrep -n -P "$tarvo" tarvovideo)" 2>/dev/null | head -n 1; }
+no_player() { ! xdotool search --onlyvisible --name '\([0-9]+\)$'; }
 
 # The icon docks: one of the program's windows ends up inside trayer's panel. Prints that window.
 docked_icon() {

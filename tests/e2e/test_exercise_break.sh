@@ -17,8 +17,6 @@ mkdir -p "$shots"
 shoot() { # <file> [ximagesrc properties]: the screen as it is seen, or a part of it (startx=...)
     gst-launch-1.0 -q ximagesrc show-pointer=false "${@:2}" num-buffers=1 ! videoconvert ! pngenc ! filesink location="$1"
 }
-video_window() { xdotool search --onlyvisible --pid "$(pgrep -n -P "$tarvo" tarvovideo)" 2>/dev/null | head -n 1; }
-no_player() { ! xdotool search --onlyvisible --name '\([0-9]+\)$'; }
 
 two_monitors_with_busy_work
 "$bin/regedit" /s "$bin/tarvo32.reg"

@@ -72,7 +72,6 @@ break_window() {
 no_break() { ! break_window; }
 # The native window of the user's work says when the compositor stops and starts showing it.
 work_is() { [ "$(grep -xE 'shown|covered' "$work/busy.out" | tail -n 1)" = "$1" ]; }
-video_window() { xdotool search --onlyvisible --pid "$(pgrep -n -P "$tarvo" tarvovideo)" 2>/dev/null | head -n 1; }
 video_plays() { local first; first=$(picture "$(video_window)") && sleep 1 && [ "$(picture "$(video_window)")" != "$first" ]; }
 
 # The user opens the menu of the stand-in window (there is no tray in these sessions) with a second
@@ -106,7 +105,7 @@ quit_player() {
     key Escape
     wait_for 50 visible_window '^Tarvo Exercise Break$' || fail "Esc did not ask whether to quit"
     key Return
-    wait_for 50 sh -c "! xdotool search --onlyvisible --name '\([0-9]+\)\$'" || fail "Yes did not end the exercise break"
+    wait_for 50 no_player || fail "Yes did not end the exercise break"
 }
 
 # The breaks, as the user sees them through the compositor. <idle source>: "none" where the
